@@ -74,7 +74,7 @@ void Provider::lookForKey() {
         }
         const bool isWantedWithKey = std::exchange(isWantedWithKey_, false);
         if (std::exchange(isHeld_, false)) {
-            setBusy(false);
+            setIdle();
             requestAIAnalysis();
         } else if (isWantedWithKey && !dependencies_.services.confirmations.pendingConfirmation()) {
             requestAIAnalysisWithKey();
@@ -210,7 +210,7 @@ Outcome Provider::requestAIAnalysis() {
             return composeOnDeviceAnalysis(false);
         }
         isHeld_ = true;
-        setBusy(true, true);
+        setBusy(AnalysisWait::search);
         return Outcome::asked();
     }
     if (!dependencies_.services.settings.values().aiRequirePreview) {
@@ -262,7 +262,8 @@ Outcome Provider::sendAIAnalysis() {
         return dependencies_.sample.snapshot() ? fallBack() : refuseWithoutSample();
     }
     return dependencies_.key.readAccess(
-        jobs_, [this] { setBusy(true, true); }, [endpoint = consent.endpoint] { return endpoint; },
+        jobs_, [this] { setBusy(AnalysisWait::key); },
+        [endpoint = consent.endpoint] { return endpoint; },
         // Redaction that is turned on while the key is read still counts, but not one turned off.
         [this, isRedacted = consent.isRedacted](std::optional<ProviderAccess> access) {
             return sendAIAnalysisWith(std::move(access), isRedacted || presentConsent().isRedacted);
@@ -271,16 +272,16 @@ Outcome Provider::sendAIAnalysis() {
 
 Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access, bool isRedacted) {
     if (!access) {
-        setBusy(false);
+        setIdle();
         return composeOnDeviceAnalysis(false);
     }
     auto report = dependencies_.reports.diagnosticsReport(isRedacted);
     if (!report) {
-        setBusy(false);
+        setIdle();
         return refuseWithoutSample();
     }
     state_.askedService = access->endpoint->service;
-    setBusy(true);
+    setBusy(AnalysisWait::service);
     dependencies_.suggestions.setAIActions({});
     setInsight(fmt::format("Asking {} for a performance recommendation...", state_.askedService));
     jobs_.run(
@@ -304,7 +305,7 @@ Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access, bool 
 }
 
 void Provider::finishAIAnalysis(AnalysisResult result, bool runsSafeAction) {
-    setBusy(false);
+    setIdle();
     if (!result) {
         composeOnDeviceAnalysis(false);
         return;
@@ -379,10 +380,15 @@ void Provider::setInsight(std::string text) {
     observable_->changed();
 }
 
-void Provider::setBusy(bool isBusy, bool isReadingKey) {
-    state_.aiBusy = isBusy;
-    state_.isReadingKey = isReadingKey;
+void Provider::setBusy(AnalysisWait waitsFor) {
+    state_.aiBusy = true;
+    state_.waitsFor = waitsFor;
     state_.aiBusySince = dependencies_.services.clock.now();
+    observable_->changed();
+}
+
+void Provider::setIdle() {
+    state_.aiBusy = false;
     observable_->changed();
 }
 

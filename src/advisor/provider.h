@@ -28,6 +28,13 @@ class RuleDrafts;
 class StoredKey;
 class Suggestions;
 
+/// What an analysis that is under way waits for.
+enum class AnalysisWait : std::uint8_t {
+    search,   ///< the search for a stored key after the start, which never asks the owner
+    key,      ///< the reading of the key, which can ask the owner to unlock the secret store
+    service,  ///< the answer of the service
+};
+
 /// The key and the analysis, as the screens show them.
 struct ProviderState {
     /// Whether a key is believed to be stored. It decides the route of an analysis, which reads the
@@ -45,14 +52,14 @@ struct ProviderState {
     /// Whether an analysis is under way, from the reading of its key on, which can ask the owner to
     /// unlock the secret store. That includes the search for a stored key after the start.
     bool aiBusy = false;
-    /// Whether it is the reading of the key that is waited for, and not the service.
-    bool isReadingKey = false;
+    /// Meaningless while it is not busy.
+    AnalysisWait waitsFor = AnalysisWait::service;
     /// What texts call the service that is asked, which the endpoint can differ from meanwhile.
     /// Meaningless while none is asked.
     std::string askedService;
-    /// Since when the key is being read, which takes at most about `unlockWait`, or, later, the
-    /// service asked, which takes at most about `exchangeWait`. Meaningless while it is not busy.
-    /// The clock can be set back meanwhile; see `secondsWaited`.
+    /// Since when it waits for `waitsFor`: for the key at most about `unlockWait`, for the service
+    /// at most about `exchangeWait`. Meaningless while it is not busy. The clock can be set back
+    /// meanwhile; see `secondsWaited`.
     Date aiBusySince;
 };
 
@@ -163,7 +170,8 @@ private:
     Outcome composeOnDeviceAnalysis(bool fellBack);
     void setInsight(std::string text);
     void setAnswer(std::string text, bool isOfService = false);
-    void setBusy(bool isBusy, bool isReadingKey = false);
+    void setBusy(AnalysisWait waitsFor);
+    void setIdle();
     void setKeyBusy(bool isBusy);
     Outcome record(Outcome outcome) const;
 

@@ -83,12 +83,12 @@ TEST_F(Analysis, GoesThroughItsStepsInOrder) {
     EXPECT_TRUE(isBusy());
     EXPECT_THAT(suggestions().aiActions(), SizeIs(1));
     EXPECT_EQ(provider().state().aiBusySince, clock.now());
-    EXPECT_TRUE(provider().state().isReadingKey);
+    EXPECT_EQ(provider().state().waitsFor, AnalysisWait::key);
     clock.advance(std::chrono::seconds(5));
     readKey();
     EXPECT_TRUE(isBusy());
     EXPECT_EQ(provider().state().aiBusySince, clock.now()) << "the wait for the service";
-    EXPECT_FALSE(provider().state().isReadingKey);
+    EXPECT_EQ(provider().state().waitsFor, AnalysisWait::service);
     EXPECT_EQ(insight(), "Asking OpenAI for a performance recommendation...");
     EXPECT_THAT(suggestions().aiActions(), IsEmpty());
     EXPECT_THAT(suggestions().approvedAIActionIDs(), SizeIs(1)) << "until the end";

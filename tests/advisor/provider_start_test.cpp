@@ -31,7 +31,7 @@ TEST_F(ProviderStart, AnAnalysisWaitsForTheSearch) {
     start("sk-stored");
     EXPECT_EQ(provider().requestAIAnalysis(), Outcome::asked());
     EXPECT_TRUE(state().aiBusy);
-    EXPECT_TRUE(state().isReadingKey);
+    EXPECT_EQ(state().waitsFor, AnalysisWait::search);
     EXPECT_EQ(provider().requestAIAnalysis(), Outcome::ignored());
     EXPECT_EQ(provider().requestAIAnalysisWithKey(), Outcome::ignored());
     EXPECT_THAT(events(), IsEmpty());

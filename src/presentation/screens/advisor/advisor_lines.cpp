@@ -46,9 +46,12 @@ QString connectionState(bool isConnected, bool isEndpointUsable, std::string_vie
                           : u"Enhanced AI connected to "_s + text(host);
 }
 
-QString progress(std::string_view service, std::chrono::seconds elapsed, bool isReadingKey) {
+QString progress(std::string_view service, std::chrono::seconds elapsed, AnalysisWait waitsFor) {
     const QString shown = seconds(std::max(elapsed, std::chrono::seconds(0)));
-    if (isReadingKey) {
+    if (waitsFor == AnalysisWait::search) {
+        return u"Looking for the key… "_s + shown;
+    }
+    if (waitsFor == AnalysisWait::key) {
         return u"Reading the key… %1. The system may ask for the password of its key store."_s.arg(
             shown);
     }
@@ -98,7 +101,8 @@ std::vector<TrustLine> trustLines(const TrustRecords& records) {
         if (isInvented && ++invented > mostInventedTrustLines) {
             continue;
         }
-        lines.push_back({.name = shortText(trustDisplayName(type), longestWord),
+        const QString name = shortText(trustDisplayName(type), longestWord);
+        lines.push_back({.name = name.trimmed().isEmpty() ? u"(no type)"_s : name,
                          .label = text(trustLabel(record)),
                          .percent = static_cast<int>(trustPercent(record)),
                          .figures = text(trustLine(record))});

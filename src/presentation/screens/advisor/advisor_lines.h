@@ -10,6 +10,7 @@
 #include <QString>
 
 #include "advisor/autonomy.h"
+#include "advisor/provider.h"
 #include "core/advisor_records.h"
 #include "core/uuid.h"
 
@@ -23,9 +24,10 @@ QString lead();
 /// "On-device guidance active", or that the address of the service must not be used.
 QString connectionState(bool isConnected, bool isEndpointUsable, std::string_view host);
 
-/// How long an analysis has waited, and how long it can: "Asking OpenAI… 12 s of at most 30 s". The
-/// key is read before that, and the owner may be asked to unlock it.
-QString progress(std::string_view service, std::chrono::seconds elapsed, bool isReadingKey);
+/// What an analysis waits for, how long it has, and how long it can: "Asking OpenAI… 12 s of at
+/// most 30 s". While the key is read, the owner may be asked to unlock it, but not while it is
+/// looked for.
+QString progress(std::string_view service, std::chrono::seconds elapsed, AnalysisWait waitsFor);
 
 /// "AI payload mode: process details redacted, confirmation required"
 QString payloadMode(bool isRedacted, bool requiresConfirmation);
@@ -53,7 +55,7 @@ std::vector<SuggestionLine> suggestionLines(std::span<const AIActionSuggestion> 
 QString noSuggestions(bool isKeySaved);
 
 struct TrustLine {
-    QString name;
+    QString name;   ///< "(no type)" in place of a blank one
     QString label;  ///< "New", "Learning" or "Trusted"
     int percent = 0;
     QString figures;

@@ -238,7 +238,7 @@ void AdvisorPage::showProgress() {
     const std::chrono::seconds elapsed(static_cast<std::int64_t>(
         secondsWaited(state.aiBusySince, monitor_.services().clock.now())));
     guidance_->showProgress(
-        state.aiBusy ? advisor_lines::progress(state.askedService, elapsed, state.isReadingKey)
+        state.aiBusy ? advisor_lines::progress(state.askedService, elapsed, state.waitsFor)
         : monitor_.sample().snapshot() ? QString()
                                        : u"Sampling this Mac..."_s);
 }

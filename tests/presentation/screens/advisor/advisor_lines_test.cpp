@@ -39,14 +39,17 @@ TEST(AdvisorLines, TheConnectionTellsThatAnEndpointCannotBeUsed) {
 }
 
 TEST(AdvisorLines, TheProgressTellsWhatIsWaitedForAndTheTime) {
-    EXPECT_EQ(progress("OpenAI", seconds(0), false), u"Asking OpenAI… 0 s of at most 30 s"_s);
-    EXPECT_EQ(progress("localhost", seconds(30), false),
+    EXPECT_EQ(progress("OpenAI", seconds(0), AnalysisWait::service),
+              u"Asking OpenAI… 0 s of at most 30 s"_s);
+    EXPECT_EQ(progress("localhost", seconds(30), AnalysisWait::service),
               u"Asking localhost… 30 s of at most 30 s"_s);
-    EXPECT_EQ(progress("OpenAI", seconds(-7), false), u"Asking OpenAI… 0 s of at most 30 s"_s)
+    EXPECT_EQ(progress("OpenAI", seconds(-7), AnalysisWait::service),
+              u"Asking OpenAI… 0 s of at most 30 s"_s)
         << "the clock was set back";
-    EXPECT_EQ(progress("OpenAI", seconds(31), false), u"Asking OpenAI… 31 s"_s);
-    EXPECT_EQ(progress("OpenAI", seconds(3), true),
+    EXPECT_EQ(progress("OpenAI", seconds(31), AnalysisWait::service), u"Asking OpenAI… 31 s"_s);
+    EXPECT_EQ(progress("OpenAI", seconds(3), AnalysisWait::key),
               u"Reading the key… 3 s. The system may ask for the password of its key store."_s);
+    EXPECT_EQ(progress("OpenAI", seconds(3), AnalysisWait::search), u"Looking for the key… 3 s"_s);
 }
 
 TEST(AdvisorLines, ThePayloadModeFollowsBothSettings) {
@@ -139,6 +142,12 @@ TEST(AdvisorLines, ARecordReadsItsNameItsWordAndItsFigures) {
     EXPECT_EQ(lines[2].label, u"Trusted"_s);
     EXPECT_EQ(lines[2].percent, 78);
     EXPECT_EQ(lines[2].figures, u"78% trust · 2 approved · 3 run · 0 blocked"_s);
+}
+
+TEST(AdvisorLines, ARecordWithoutATypeSaysSo) {
+    for (const char* type : {"", " ", "_"}) {
+        EXPECT_EQ(trustLines({{type, {}}}).at(0).name, u"(no type)"_s) << type;
+    }
 }
 
 TEST(AdvisorLines, OnlySoManyRecordsOfInventedTypesAreShown) {
