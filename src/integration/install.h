@@ -28,8 +28,11 @@ public:
     Install& operator=(const Install&) = delete;
 
     const State& state() const { return state_; }
-    /// The place as texts name it, "/Applications"; empty where nothing can be installed.
-    const std::string& shownTarget() const { return ports_.install.shownTarget; }
+    /// Where the program is copied, as texts name it, "/Applications"; empty where nothing can be
+    /// installed, and where the program is installed for all users.
+    std::string shownTarget() const {
+        return ports_.install.isInstalled ? std::string() : ports_.install.shownTarget;
+    }
 
     /// Copies in the background; the last action says so, and the message then what became of it.
     /// Ignored while an installation is under way. Refused where the running program cannot be

@@ -71,6 +71,7 @@ TEST_F(InstallTest, AProgramThatIsInstalledForAllUsersIsNotCopied) {
         InstallPorts ports = linuxPorts();
         ports.install = linuxInstallPlan(places);
         EXPECT_EQ(messageOf(ports), std::string("Installed Tallowcrest to ") + folder + '.');
+        EXPECT_EQ(Install(with.services, tools, ports).shownTarget(), "");
     }
     EXPECT_THAT(launches(), IsEmpty());
     EXPECT_THAT(files->changes, IsEmpty());

@@ -43,7 +43,8 @@ inline constexpr Command analyzeStorage{
     "Analyze Storage", "externaldrive.badge.magnifyingglass",
     "Lists the largest files in the personal folders; changes nothing"};
 inline constexpr Command installToApplications{"Install to Applications", "desktopcomputer",
-                                               "Copies this program to where you install programs"};
+                                               "Copies this program to where you install programs, "
+                                               "unless it is installed for all users"};
 inline constexpr Command enableLaunchAtLogin{"Enable Launch at Login", "power",
                                              "Starts this program when you log in"};
 inline constexpr Command disableLaunchAtLogin{"Disable Launch at Login", "power",

@@ -8,10 +8,12 @@ namespace tallowcrest {
 
 std::vector<SetupLine> setupLines(const std::string& installTarget,
                                   const std::string& sshUsername) {
+    const QString copying =
+        installTarget.empty()
+            ? QString()
+            : u"copy Tallowcrest to %1 and "_s.arg(dashboard_text::text(installTarget));
     return {
-        {u"Install"_s,
-         u"Use the header Install menu to copy Tallowcrest to %1 and enable launch at login."_s.arg(
-             dashboard_text::text(installTarget))},
+        {u"Install"_s, u"Use the header Install menu to %1enable launch at login."_s.arg(copying)},
         {u"SSH User"_s,
          u"Set the remote Mac short name. Current value: "_s + dashboard_text::text(sshUsername)},
         {u"Tailscale"_s, u"Scan remote Macs after Tailscale is healthy and SSH is connected."_s},

@@ -15,7 +15,8 @@ struct SetupLine {
     bool operator==(const SetupLine&) const = default;
 };
 
-/// `installTarget` is where the program is installed, as texts name it.
+/// `installTarget` is where an installation copies the program, as texts name it; empty when it
+/// copies nothing.
 std::vector<SetupLine> setupLines(const std::string& installTarget, const std::string& sshUsername);
 
 }  // namespace tallowcrest

@@ -28,6 +28,12 @@ TEST(SetupLines, SixRowsWordForWord) {
             SetupLine{u"Diagnostics"_s, u"Use Export to save reports in outputs/reports."_s}));
 }
 
+TEST(SetupLines, WhatIsInstalledForAllUsersIsOnlyStartedAtLogin) {
+    EXPECT_EQ(
+        setupLines("", "owner").front(),
+        (SetupLine{u"Install"_s, u"Use the header Install menu to enable launch at login."_s}));
+}
+
 TEST(UpdateLines, TellHowMuchHasArrived) {
     EXPECT_EQ(updateDownloadLine("1.2", 0, std::nullopt),
               u"Downloading Tallowcrest Pro 1.2 · 0 MB"_s);
