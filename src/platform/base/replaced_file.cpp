@@ -15,6 +15,8 @@ namespace tallowcrest {
 namespace {
 
 constexpr mode_t everyoneMayRead = 0644;
+/// A file system takes 255 bytes. The temporary name has the PID and more in addition.
+constexpr std::size_t longestName = 240;
 
 std::string words(int error) {
     return std::generic_category().message(error);
@@ -39,6 +41,9 @@ std::string whyNotReplaceable(const std::filesystem::path& path) {
     }
     if (!path.has_filename() || path.filename() == "." || path.filename() == "..") {
         return words(EISDIR);
+    }
+    if (path.filename().native().size() > longestName) {
+        return words(ENAMETOOLONG);
     }
     if (::lstat(path.c_str(), &status) != 0) {
         return errno == ENOENT ? std::string() : words(errno);

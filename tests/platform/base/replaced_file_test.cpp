@@ -91,6 +91,13 @@ TEST_F(ReplacedFileTest, RefusesWhatItMustNotReplace) {
     EXPECT_TRUE(fs::is_symlink(root.path() / "link"));
 }
 
+TEST_F(ReplacedFileTest, RefusesANameThatLeavesNoRoomForATemporaryOne) {
+    const std::filesystem::path longest = root.path() / std::string(240, 'x');
+    EXPECT_EQ(whyNotReplaceable(longest), "");
+    EXPECT_EQ(replaceFile(longest, "new"), "");
+    EXPECT_EQ(whyNotReplaceable(longest.native() + 'x'), "File name too long");
+}
+
 TEST_F(ReplacedFileTest, AFullDiskKeepsTheOldFile) {
     ASSERT_EQ(replaceFile(path, "old\n"), "");
     // A limit on the size of files stands for a full disk.
