@@ -2,7 +2,6 @@
 
 #include <system_error>
 #include <utility>
-#include <variant>
 
 #include "actions/cache_purge.h"
 #include "app/console.h"
@@ -140,10 +139,11 @@ void Composition::followWarningThreshold() {
         return;
     }
     const OpenedStore now = readSettingsStore(file, {settings_keys::historyKey});
-    const auto stored = now.store->read(settings_keys::thresholdKey);
-    const double* threshold = stored ? std::get_if<double>(&*stored) : nullptr;
-    if (threshold != nullptr) {
-        monitor_->settingsOwner().set(&Settings::warningThreshold, *threshold);
+    // Nothing is stored in a file that cannot be read at this moment either.
+    if (now.store->read(settings_keys::thresholdKey)) {
+        const SettingsOwner asAtStart(*now.store, jobs_.mainQueue(), {});
+        monitor_->settingsOwner().set(&Settings::warningThreshold,
+                                      asAtStart.values().warningThreshold);
     }
 }
 

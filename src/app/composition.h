@@ -66,8 +66,9 @@ public:
     /// Must not be called once `shutDown` has returned true: there is no monitor any more.
     SystemMonitor& monitor() { return *monitor_; }
 
-    /// Takes over the warning threshold that another program has stored. To be called once per
-    /// sample; looks for one each fifteenth time, because a window stores something all the time.
+    /// Takes over the warning threshold that another program has stored, the default for one that
+    /// is not valid. To be called once per sample; looks for one each fifteenth time, because a
+    /// window stores something all the time.
     void followWarningThreshold();
 
     /// The deadline of the slowest tool.

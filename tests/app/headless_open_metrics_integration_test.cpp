@@ -61,8 +61,10 @@ TEST(HeadlessOpenMetrics, FollowsTheThresholdThatAnotherProgramStores) {
     const StartedProgram sampler(
         {program, "--headless", "--openmetrics", file, "--interval", "0.05"});
     ASSERT_TRUE(tells("0.9"));
+    storeSetting(data, settings_keys::thresholdKey, 66.0);
+    EXPECT_TRUE(tells("0.66"));
     storeSetting(data, settings_keys::thresholdKey, 60.0);
-    EXPECT_TRUE(tells("0.6"));
+    EXPECT_TRUE(tells("0.82")) << "the default, as at a start";
 
     // One that goes on has its changes in the log, for a while.
     ManualMainQueue mainQueue;
