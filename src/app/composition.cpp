@@ -17,6 +17,7 @@
 #include "platform/files/volume_of.h"
 #include "platform/host.h"
 #include "platform/locale/posix_locale.h"
+#include "platform/settings/settings_file.h"
 
 namespace tallowcrest {
 namespace {
@@ -27,7 +28,9 @@ std::filesystem::path settingsFile() {
 }
 
 /// A file that is missing has the earliest time.
-SettingsTimes timesOf(const std::filesystem::path& file) {
+SettingsTimes timesOf(const std::filesystem::path& name) {
+    // The log lies beside the target of a link.
+    const std::filesystem::path file = settings_file::resolveLink(name);
     std::error_code ignored;
     return {std::filesystem::last_write_time(file, ignored),
             std::filesystem::last_write_time(file.native() + "-wal", ignored)};

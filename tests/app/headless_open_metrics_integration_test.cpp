@@ -47,10 +47,23 @@ TEST(HeadlessOpenMetrics, WritesToStandardOutput) {
     EXPECT_THAT(result.standardOutput, isOneSample);
 }
 
-TEST(HeadlessOpenMetrics, FollowsTheThresholdThatAnotherProgramStores) {
+/// `elsewhere` becomes the settings file, by a link.
+void linkSettings(const PrivateData& data, const std::filesystem::path& elsewhere) {
+    storeSetting(data, settings_keys::thresholdKey, 90.0);
+    const std::filesystem::path settings = data.folder() / "tallowcrest" / "settings.sqlite";
+    std::filesystem::rename(settings, elsewhere);
+    std::filesystem::create_symlink(elsewhere, settings);
+}
+
+class FollowedThreshold : public ::testing::TestWithParam<bool> {};
+
+TEST_P(FollowedThreshold, IsTheOneThatAnotherProgramStores) {
     const PrivateData data;
     const TemporaryFolder folder;
     const std::string file = folder.path("tallowcrest.prom");
+    if (GetParam()) {
+        linkSettings(data, folder.path("linked.sqlite"));
+    }
     const auto tells = [&](const std::string& ratio) {
         return eventually([&] {
             return fileText(file).find("\ntallowcrest_warning_threshold_ratio " + ratio + '\n') !=
@@ -78,6 +91,9 @@ TEST(HeadlessOpenMetrics, FollowsTheThresholdThatAnotherProgramStores) {
         EXPECT_TRUE(tells(ratio));
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(HeadlessOpenMetrics, FollowedThreshold, ::testing::Bool(),
+                         [](const auto& test) { return test.param ? "OfALink" : "OfAFile"; });
 
 TEST(HeadlessOpenMetrics, APathThatCannotBeWrittenEndsWithOneLine) {
     const TemporaryFolder folder;
