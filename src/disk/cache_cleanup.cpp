@@ -62,7 +62,6 @@ DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& req
     const auto visit = [&](const FoundFile& file) {
         // Resolving a path costs most, so it comes last.
         if (policy::isEligible(file, cutOff) && policy::fits(plan.bytes, file.bytes, cap) &&
-            std::ranges::find(request.spared, file.identity) == request.spared.end() &&
             policy::isInsideUserCaches(resolvedPath(file.path), root)) {
             plan.urls.push_back({file.path, file.identity, file.bytes});
             plan.bytes += file.bytes;

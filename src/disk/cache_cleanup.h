@@ -33,7 +33,6 @@ struct CacheScanRequest {
     CachesPlace place;
     double ageDays = 0.0;
     double maxGB = 0.0;
-    std::vector<FileIdentity> spared = {};  ///< files that are not taken
 };
 
 /// Makes a plan of the files that the policy allows. It is empty when the folder of the caches

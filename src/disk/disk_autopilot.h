@@ -159,8 +159,8 @@ private:
     CacheScanRequest scanRequest_;
     std::optional<Run> run_;
     Undoable undoable_;
-    /// The files that the owner wanted back in this run of the program. A check because of low
-    /// space does not take them again.
+    /// The files that the owner wanted back in this run of the program, each once. A clean-up that
+    /// no one confirms does not take them again.
     std::vector<FileIdentity> wantedBack_;
     std::shared_ptr<UndoTally> undo_;   ///< null while nothing is being put back
     std::uint64_t emergencyStops_ = 0;  ///< those that were followed

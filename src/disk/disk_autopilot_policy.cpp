@@ -1,6 +1,8 @@
 #include "disk/disk_autopilot_policy.h"
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "disk/storage_areas.h"
 
@@ -32,6 +34,15 @@ bool isEligible(const FoundFile& file, Date cutOff) {
 
 bool fits(std::int64_t taken, std::int64_t bytes, std::int64_t cap) {
     return taken <= cap && bytes <= cap - taken;
+}
+
+DiskCleanupPlan planWithout(DiskCleanupPlan plan, const std::vector<FileIdentity>& files) {
+    std::erase_if(plan.urls, [&](const CleanupCandidate& file) {
+        const bool leaves = std::ranges::find(files, file.identity) != files.end();
+        plan.bytes -= leaves ? file.bytes : 0;
+        return leaves;
+    });
+    return plan;
 }
 
 bool isExpired(Date createdAt, Date now) {

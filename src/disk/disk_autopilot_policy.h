@@ -3,10 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "core/date.h"
 #include "core/settings/settings.h"
 #include "disk/disk_records.h"
+#include "disk/file_identity.h"
 #include "disk/file_walks.h"
 
 /// What a clean-up of old cache files may touch. Pure; any thread.
@@ -43,6 +45,9 @@ bool isEligible(const FoundFile& file, Date cutOff);
 
 /// Whether `bytes` more fit below `cap` after `taken`. None is negative.
 bool fits(std::int64_t taken, std::int64_t bytes, std::int64_t cap);
+
+/// The plan without some files.
+DiskCleanupPlan planWithout(DiskCleanupPlan plan, const std::vector<FileIdentity>& files);
 
 /// Whether a plan must not be carried out any more. When the clock was set back by as much as the
 /// limit, its age is unknown.

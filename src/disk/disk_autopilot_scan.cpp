@@ -1,6 +1,8 @@
 // The part of Disk Autopilot that looks for old cache files.
 
 #include <memory>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "actions/automation.h"
@@ -24,8 +26,7 @@ void DiskAutopilot::beginScan(Purpose purpose) {
     const Settings& settings = dependencies_.services.settings.values();
     const DiskPlaces& places = dependencies_.ports.places;
     scanRequest_ = {cachesPlace(places), policy::clampedAgeDays(settings.diskCleanupAgeDays),
-                    policy::clampedMaxGB(settings.diskMaxCleanupGB),
-                    purpose == Purpose::lowSpace ? wantedBack_ : std::vector<FileIdentity>()};
+                    policy::clampedMaxGB(settings.diskMaxCleanupGB)};
     state_.scan.emplace();
     observable_->changed();
     scan_.begin().runWithProgress<SearchProgress>(
@@ -113,16 +114,19 @@ void DiskAutopilot::finishLowSpaceCheck() {
                         receipts::nothingEligibleReceipt(minimumFreeGB, caches_));
         return;
     }
-    const bool isTrusted = isAutopilotTrusted();
-    // What the owner puts back at this moment is not to be moved again.
-    if (isTrusted && !isMoving()) {
-        performDiskCleanup(true);
-        return;
+    std::string_view prepared = receipts::preparedForReview;
+    if (isAutopilotTrusted()) {
+        DiskCleanupPlan rest = policy::planWithout(plan, wantedBack_);
+        // What the owner puts back at this moment is not to be moved again.
+        if (!isMoving() && !rest.urls.empty()) {
+            state_.diskCleanupPlan = std::move(rest);
+            performDiskCleanup(true);
+            return;
+        }
+        prepared = isMoving() ? receipts::preparedWhileMoving : receipts::preparedOfWantedBack;
     }
     setStatus(receipts::reviewReady(plan));
-    log.recordEvent(
-        ActivityKind::diskAutopilot,
-        std::string(isTrusted ? receipts::preparedWhileMoving : receipts::preparedForReview));
+    log.recordEvent(ActivityKind::diskAutopilot, std::string(prepared));
 }
 
 }  // namespace tallowcrest

@@ -1,7 +1,6 @@
 // The part of Disk Autopilot that puts files back.
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "core/activity_kinds.h"
@@ -34,7 +33,11 @@ Outcome DiskAutopilot::undoLatestCleanup() {
     if (undoable_.automatic) {
         countTrust(false);
     }
-    std::ranges::transform(undoable_.items, std::back_inserter(wantedBack_), &TrashItem::identity);
+    for (const TrashItem& item : undoable_.items) {
+        if (std::ranges::find(wantedBack_, item.identity) == wantedBack_.end()) {
+            wantedBack_.push_back(item.identity);
+        }
+    }
     undo_ = std::make_shared<UndoTally>(std::exchange(undoable_.items, {}));
     state_.undoableFiles = 0;
     state_.undo = undo_->progress();

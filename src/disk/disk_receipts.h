@@ -54,6 +54,10 @@ inline constexpr std::string_view preparedForReview =
 inline constexpr std::string_view preparedWhileMoving =
     "Prepared a reversible cleanup for review. It did not run by itself because another cleanup is "
     "being moved or put back.";
+/// Where trust would have let it run, had the plan another file.
+inline constexpr std::string_view preparedOfWantedBack =
+    "Prepared a reversible cleanup for review. It did not run by itself because all of its files "
+    "were moved before and the owner wanted them back.";
 inline constexpr std::string_view blockedReceipt =
     "Trigger: low disk space. Result: blocked before execution because Autopilot authorization or "
     "trust state changed. Affected files: none. Recovery: none needed; review settings before "

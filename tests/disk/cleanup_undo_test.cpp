@@ -258,6 +258,59 @@ TEST_F(CleanupUndoTest, WhatWasPutBackIsMovedAgainOnlyAfterAReview) {
     EXPECT_FALSE(isInPlace(a));
 }
 
+TEST_F(CleanupUndoTest, WhatIsPutBackDuringACheckIsNotTakenByIt) {
+    trustAutopilot();
+    const std::string a = cacheFile("a", 1);
+    cleanUp();
+    const std::string b = cacheFile("b", 1);
+    diskPorts.walk->visited = [this] {
+        if (autopilot().state().undoableFiles > 0) {
+            undo();
+        }
+    };
+    autopilot().checkDiskAutopilot(diskOf(1.0), true);
+    finishWork();
+    EXPECT_TRUE(isInPlace(a));
+    EXPECT_FALSE(isInPlace(b));
+    EXPECT_THAT(detail(), HasSubstr("Preview: 1 eligible files"));
+}
+
+TEST_F(CleanupUndoTest, OnlyFilesThatWerePutBackArePreparedForReview) {
+    for (const bool isTrusted : {true, false}) {
+        SCOPED_TRACE(isTrusted);
+        if (isTrusted) {
+            trustAutopilot();
+        } else {
+            settings.set(&Settings::aiAutonomyMode, AIAutonomyMode::apprentice);
+        }
+        const std::string a = cacheFile("a", 1);
+        cleanUp();
+        undo();
+        autopilot().checkDiskAutopilot(diskOf(1.0), true);
+        finishWork();
+        EXPECT_TRUE(isInPlace(a));
+        EXPECT_EQ(status(), "Review ready: 1 files · 0.00 GB");
+        EXPECT_EQ(detail(),
+                  isTrusted ? "Prepared a reversible cleanup for review. It did not run by itself "
+                              "because all of its files were moved before and the owner wanted "
+                              "them back."
+                            : "Prepared a reversible cleanup for review. Automatic cleanup stays "
+                              "locked until Autopilot mode and 3 trusted successful runs.");
+    }
+}
+
+TEST_F(CleanupUndoTest, AReviewThatTakesOverACheckShowsWhatWasPutBack) {
+    trustAutopilot();
+    cacheFile("a", 1);
+    cleanUp();
+    undo();
+    autopilot().checkDiskAutopilot(diskOf(1.0), true);
+    EXPECT_EQ(autopilot().reviewDiskCleanup(), Outcome::asked());
+    finishWork();
+    EXPECT_EQ(status(), "Ready: 1 files · 0.00 GB");
+    EXPECT_TRUE(confirmations.pendingConfirmation());
+}
+
 TEST_F(CleanupUndoTest, TheEndOfTheProgramLeavesAReceipt) {
     cacheFile("a", 1);
     cacheFile("b", 1);

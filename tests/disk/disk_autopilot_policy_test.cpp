@@ -136,5 +136,14 @@ TEST(DiskAutopilotSafetyPolicy, APlanLivesForLessThanHalfAnHour) {
     }
 }
 
+TEST(DiskAutopilotSafetyPolicy, APlanWithoutSomeFilesIsAsMuchSmaller) {
+    const CleanupCandidate a{"/a", {1, 1}, 5};
+    const CleanupCandidate b{"/b", {1, 2}, 7};
+    const DiskCleanupPlan rest = planWithout(
+        {.urls = {a, b}, .bytes = 12, .createdAt = {}, .keptFolder = {}}, {{1, 1}, {2, 2}});
+    EXPECT_EQ(rest.urls, std::vector{b});
+    EXPECT_EQ(rest.bytes, 7);
+}
+
 }  // namespace
 }  // namespace tallowcrest::DiskAutopilotSafetyPolicy

@@ -49,11 +49,12 @@ public:
               const std::stop_token& stop) override {
         roots.push_back(root);
         SearchProgress seen;
-        for (const FoundFile& file : files_.all) {
+        // As a folder that is read, it also shows what comes meanwhile.
+        for (std::size_t i = 0; i < files_.all.size(); ++i) {
+            const FoundFile file = files_.all[i];
             seen = {seen.filesSeen + 1, 1, file.path.substr(0, file.path.rfind('/'))};
             progress(seen);
-            if (stop.stop_requested() ||
-                (file.path.starts_with(root + '/') && !visit(FoundFile(file)))) {
+            if (stop.stop_requested() || (file.path.starts_with(root + '/') && !visit(file))) {
                 return;
             }
             if (visited) {
