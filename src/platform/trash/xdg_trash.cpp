@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 #include "platform/base/full_disk.h"
@@ -87,6 +88,8 @@ private:
     bool isDescribed() const;
     void removeDescription();
     int store();
+    /// Whether the file is in the Trash and no longer in its place; absent when that is not known.
+    std::optional<bool> isStored() const;
     /// Gives the file that is stored a description again.
     int describeStored();
     TrashOutcome returnFile();
@@ -183,8 +186,8 @@ int XdgTrash::Move::store() {
             return ESTALE;
         }
         int error = renameIntoTrash(source_.folder.get(), source_.name, *trash_, storedName_);
-        if (error == EEXIST) {
-            // A file is left there without a description.
+        if (error == EEXIST && isStored() == false) {
+            // Another file is left there without a description.
             removeDescription();
             error = describe();
             if (error == 0) {
@@ -193,6 +196,15 @@ int XdgTrash::Move::store() {
         }
         return error;
     }
+}
+
+std::optional<bool> XdgTrash::Move::isStored() const {
+    const auto stored = statusAt(trash_->files.get(), storedName_);
+    if (!stored) {
+        return errno == ENOENT ? std::optional(false) : std::nullopt;
+    }
+    return stored->identity == source_.identity &&
+           !isFileAt(source_.folder.get(), source_.name, source_.file.get());
 }
 
 int XdgTrash::Move::describeStored() {
@@ -236,8 +248,15 @@ TrashOutcome XdgTrash::Move::complete(std::optional<std::int64_t> maximumBytes) 
         return left();
     }
     if (const int error = store(); error != 0) {
-        fail(error);
-        return left();
+        // Network file systems can carry a rename out and still answer with an error.
+        const auto hasArrived = isStored();
+        if (hasArrived != true) {
+            fail(error);
+            if (!hasArrived) {
+                info_.reset();
+            }
+            return left();
+        }
     }
     const auto stored = statusAt(trash_->files.get(), storedName_);
     if (!stored) {

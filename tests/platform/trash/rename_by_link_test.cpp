@@ -1,5 +1,5 @@
-// File systems that cannot refuse to replace a file in a rename, as those of a network, and that
-// have no room for a rename.
+// File systems that cannot refuse to replace a file in a rename, as those of a network, that answer
+// a rename that they carry out with an error, and that have no room for a rename.
 
 #include <sys/syscall.h>
 
@@ -198,6 +198,40 @@ TEST_F(RenameByLinkTest, AnotherFileThanTheReviewedOneGoesBack) {
             ASSERT_FALSE(HasFailure());
         }
         EXPECT_GT(returned, 0) << "the case did not occur";
+    });
+}
+
+TEST_F(RenameByLinkTest, AMoveThatIsCarriedOutAndAnsweredWithAnErrorKeepsItsDescription) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        int stops = 1;
+        int moved = 0;
+        for (int at = 0; at < stops; ++at) {
+            fs::remove_all(home / ".local");
+            fs::remove_all(home / ".cache");
+            const TrashRequest request = reviewed(write(path, "pixels"));
+            const TracedRun run = runWithout(
+                SYS_renameat2, EIO, [&] { return trash.moveToTrash(request).movedBytes ? 1 : 0; },
+                [&](int stop) {
+                    if (stop == at && fs::exists(stored.parent_path())) {
+                        fs::rename(path, stored);
+                    }
+                    return true;
+                });
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            stops = run.stops;
+            SCOPED_TRACE("at stop " + std::to_string(at));
+            if (run.status == 1) {
+                ++moved;
+                EXPECT_EQ(fileText(stored), "pixels");
+                ASSERT_THAT(contents(), SizeIs(1));
+                EXPECT_EQ(contents().front().restorePath, path);
+            }
+            ASSERT_FALSE(HasFailure());
+        }
+        EXPECT_GT(moved, 0) << "the case did not occur";
     });
 }
 
