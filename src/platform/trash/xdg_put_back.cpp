@@ -66,8 +66,9 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
     if (info->text != item.description) {
         return isGone;
     }
+    std::optional<FileIdentity> linked;
     if (const int error = renameWithoutReplacing(trash->files.get(), item.storedName,
-                                                 place.folder.get(), place.name);
+                                                 place.folder.get(), place.name, &linked);
         error != 0) {
         const bool isFull = isDiskFull(error);
         return {Result::left, isFull ? "The disk is full" : systemWords(error), isFull};
@@ -84,7 +85,7 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
         return error == 0 ? PutBackOutcome{Result::left, why}
                           : PutBackOutcome{Result::gone, why + ": " + systemWords(error)};
     }
-    if (hasLeft(file.get(), trash->files.get())) {
+    if (linked == item.identity || hasLeft(file.get(), trash->files.get())) {
         // What is in its place now came from elsewhere, and stays.
         removeInfo(*trash, item.storedName, info->file.get());
         return {Result::gone, "Another program has moved it meanwhile"};

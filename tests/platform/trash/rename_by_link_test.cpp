@@ -109,6 +109,40 @@ TEST_F(RenameByLinkTest, AFileThatHasTakenThePlaceIsKept) {
     });
 }
 
+TEST_F(RenameByLinkTest, WhatReplacesAFileThatWasPutBackStays) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        int stops = 1;
+        std::map<int, int> replaced;
+        for (int at = 0; at < stops; ++at) {
+            const TrashItem item = trashedAnew();
+            write(inCache("taker"), "taker");
+            bool isReplaced = false;
+            const TracedRun run = runWithout(
+                SYS_renameat2, EINVAL, [&] { return static_cast<int>(trash.putBack(item).result); },
+                [&](int stop) {
+                    if (stop == at && fs::exists(path)) {
+                        fs::rename(inCache("taker"), path);
+                        isReplaced = true;
+                    }
+                    return true;
+                });
+            if (!run.isPossible) {
+                GTEST_SKIP() << "this account may not trace its own processes";
+            }
+            stops = run.stops;
+            SCOPED_TRACE("at stop " + std::to_string(at));
+            if (isReplaced) {
+                ++replaced[run.status];
+                EXPECT_EQ(fileText(path), "taker");
+                EXPECT_NE(fileText(stored), "taker");
+            }
+            ASSERT_FALSE(HasFailure());
+        }
+        EXPECT_GT(replaced[static_cast<int>(Way::gone)], 0) << "the case did not occur";
+    });
+}
+
 TEST_F(RenameByLinkTest, AFileThatAnEarlierAttemptHasLinkedLeavesTheTrash) {
     inOwnProcess([&] {
         const TrashItem item = trashedAnew();
