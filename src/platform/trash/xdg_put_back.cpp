@@ -85,12 +85,16 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
         return error == 0 ? PutBackOutcome{Result::left, why}
                           : PutBackOutcome{Result::gone, why + ": " + systemWords(error)};
     }
-    if (linked == item.identity || hasLeft(file.get(), trash->files.get())) {
+    // A name in the Trash is free for another file only after its description is gone.
+    const bool wasThere = linked == item.identity ||
+                          (hasLeft(file.get(), trash->files.get()) &&
+                           isFileAt(trash->info.get(), trashInfoName(item.storedName), info.get()));
+    if (wasThere) {
         // What is in its place now came from elsewhere, and stays.
         removeInfo(*trash, item.storedName, info->file.get());
         return {Result::gone, "Another program has moved it meanwhile"};
     }
-    // Another file had taken its name in the Trash, and returns there.
+    // Another file had taken its name in the Trash, maybe after it had left, and returns there.
     renameWithoutReplacing(place.folder.get(), place.name, trash->files.get(), item.storedName);
     return {Result::left, "Another file has taken its name"};
 }
