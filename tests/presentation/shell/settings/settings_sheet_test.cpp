@@ -156,9 +156,9 @@ TEST_F(SettingsSheetTest, TabFollowsTheVisualOrderOnEachTab) {
     machine.store.write("Tallowcrest.protectedApps", SettingsTextList{"Docker", "Mail"});
     for (const auto& [tab, controls] :
          {std::pair{SettingsTabKind::ai,
-                    "settings.tab.ai settings.ai-key settings.ai-key.save settings.ai-model "
-                    "settings.ai-endpoint settings.ai-safe-actions settings.ai-redact "
-                    "settings.ai-preview settings.ai-copy-payload "
+                    "settings.tab.ai settings.ai-key.remove settings.ai-key settings.ai-key.save "
+                    "settings.ai-model settings.ai-endpoint settings.ai-safe-actions "
+                    "settings.ai-redact settings.ai-preview settings.ai-copy-payload "
                     "settings.autonomy.apprentice"},
           {SettingsTabKind::remote,
            "settings.tab.remote settings.ssh-user settings.copy-public-key"},
