@@ -80,10 +80,10 @@ public:
     /// Ends the analysis with what it has found. Ignored while none is under way.
     Outcome stopAnalysis();
 
-    /// Whether there is a file manager to show files in, and a chooser for the folder of a backup.
     /// What texts call the folder of films.
     const std::string& videos() const { return dependencies_.ports.places.videos; }
 
+    /// Whether there is a file manager to show files in, and a chooser for the folder of a backup.
     bool canReveal() const;
     bool canBackUp() const;
 
