@@ -12,6 +12,7 @@
 #include "platform/trash/file_status.h"
 #include "platform/trash/rename_without_replacing.h"
 #include "platform/trash/trash_folder.h"
+#include "platform/trash/trash_info.h"
 #include "platform/trash/trash_source.h"
 #include "platform/trash/xdg_trash.h"
 
@@ -86,9 +87,10 @@ PutBackOutcome XdgTrash::putBack(const TrashItem& item) {
                           : PutBackOutcome{Result::gone, why + ": " + systemWords(error)};
     }
     // A name in the Trash is free for another file only after its description is gone.
-    const bool wasThere = linked == item.identity ||
-                          (hasLeft(file.get(), trash->files.get()) &&
-                           isFileAt(trash->info.get(), trashInfoName(item.storedName), info.get()));
+    const bool wasThere =
+        linked == item.identity ||
+        (hasLeft(file.get(), trash->files.get()) &&
+         isFileAt(trash->info.get(), trashInfoName(item.storedName), info->file.get()));
     if (wasThere) {
         // What is in its place now came from elsewhere, and stays.
         removeInfo(*trash, item.storedName, info->file.get());
