@@ -32,7 +32,6 @@ ProgressRow::ProgressRow(const QString& identifier, const QString& what, const B
     stop_ = makeButton(button.title, QString(), identifier + u"-stop"_s, button.description, this);
     stop_->setAccessibleName(button.title + u' ' + what);
     layout->addWidget(stop_);
-    settling_.emplace(*stop_);
     connect(stop_, &QPushButton::clicked, this, &ProgressRow::stopWanted);
     due_.setSingleShot(true);
     connect(&due_, &QTimer::timeout, this, &ProgressRow::showLatest);
@@ -41,9 +40,6 @@ ProgressRow::ProgressRow(const QString& identifier, const QString& what, const B
 
 void ProgressRow::show(const QString& text, bool isStopping) {
     latest_ = isStopping ? u"Stopping…"_s : text;
-    if (text.isEmpty() || isStopping) {
-        settling_->stop();
-    }
     if (text.isEmpty()) {
         due_.stop();
         sinceShown_.invalidate();
@@ -56,7 +52,7 @@ void ProgressRow::show(const QString& text, bool isStopping) {
         }
         return;
     }
-    setButtonEnabled(*stop_, !isStopping && !settling_->isSettling());
+    setButtonEnabled(*stop_, !isStopping);
     const qint64 elapsed = sinceShown_.isValid() ? sinceShown_.elapsed() : shortestInterval;
     if (elapsed >= shortestInterval || isStopping) {
         showLatest();
@@ -64,14 +60,6 @@ void ProgressRow::show(const QString& text, bool isStopping) {
         due_.start(static_cast<int>(shortestInterval - elapsed));
     }
     setVisible(true);
-}
-
-void ProgressRow::moveEvent(QMoveEvent* event) {
-    QWidget::moveEvent(event);
-    // A press may be meant for the row that was here before.
-    if (isVisible() && (stop_->isEnabled() || settling_->isSettling())) {
-        settling_->settleInNewPlace();
-    }
 }
 
 void ProgressRow::showLatest() {

@@ -1,12 +1,8 @@
 #pragma once
 
-#include <optional>
-
 #include <QElapsedTimer>
 #include <QTimer>
 #include <QWidget>
-
-#include "presentation/widgets/settling_button.h"
 
 class QPushButton;
 
@@ -15,8 +11,7 @@ namespace tallowcrest {
 class ElidedLabel;
 
 /// What is under way, how far it is, and a button that stops it. Hidden while nothing is. However
-/// often it is given a new text, it shows at most ten a second. When it moves while it is shown,
-/// its button is disabled for a moment. For use on a card. Main thread.
+/// often it is given a new text, it shows at most ten a second. For use on a card. Main thread.
 class ProgressRow final : public QWidget {
     Q_OBJECT
 
@@ -42,15 +37,11 @@ signals:
     /// The owner pressed the button.
     void stopWanted();
 
-protected:
-    void moveEvent(QMoveEvent* event) override;
-
 private:
     void showLatest();
 
     ElidedLabel* words_ = nullptr;
     QPushButton* stop_ = nullptr;
-    std::optional<SettlingButton> settling_;  ///< `stop_`
     QString latest_;
     QElapsedTimer sinceShown_;
     QTimer due_;

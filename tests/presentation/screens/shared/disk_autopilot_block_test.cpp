@@ -198,29 +198,6 @@ TEST_F(DiskAutopilotBlockTest, EachStopSaysWhatItLeavesAndEndsItsOwnWork) {
     EXPECT_EQ(searchStops.count() + cleanupStops.count(), 1);
 }
 
-TEST_F(DiskAutopilotBlockTest, AStopThatMovesUnderThePointerWaitsForAMoment) {
-    const QSignalSpy cleanupStops(&block, &DiskAutopilotBlock::cleanupStopWanted);
-    sample();
-    autopilot.scan.emplace();
-    autopilot.cleanup = CleanupProgress{1, 5, 1, 10};
-    show();
-    const QPushButton& cleanup = button("overview.cleanup-progress-stop");
-    EXPECT_TRUE(cleanup.isEnabled()) << "it has only appeared";
-    const QPoint before =
-        button("overview.cleanup-search-progress-stop").mapTo(&block, QPoint(0, 0));
-    autopilot.scan.reset();
-    show();
-    EXPECT_EQ(cleanup.mapTo(&block, QPoint(0, 0)), before);
-    click("overview.cleanup-progress-stop");
-    show();
-    click("overview.cleanup-progress-stop");
-    EXPECT_EQ(cleanupStops.count(), 0);
-    setSettlingTime(block, std::chrono::milliseconds(1));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return cleanup.isEnabled(); }));
-    click("overview.cleanup-progress-stop");
-    EXPECT_EQ(cleanupStops.count(), 1);
-}
-
 TEST_F(DiskAutopilotBlockTest, UndoStandsBelowTheLatestReceipt) {
     const QSignalSpy undos(&block, &DiskAutopilotBlock::undoWanted);
     sample();
