@@ -141,6 +141,7 @@ struct SessionInsight {
     std::string value;
     std::string detail;
     Kind kind = Kind::starting;
+    std::optional<Date> sampledAt = {};  ///< of a figure that may be older than the other facts
 
     auto fields() const { return std::tie(id, title, value, detail); }
     bool operator==(const SessionInsight&) const = default;

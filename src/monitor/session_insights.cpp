@@ -68,10 +68,25 @@ SessionInsight recurringTopApp(const Counts& samples, const Locale& locale) {
         fmt::format("Led App Impact for about {}s of sampled time.", count * secondsPerSample));
 }
 
+/// Of the machines that were reached, the one with the highest memory pressure, the first one among
+/// equals; null when none was.
+const RemoteHealth* mostPressed(std::span<const RemoteHealth> remoteHealth) {
+    const RemoteHealth* result = nullptr;
+    for (const RemoteHealth& machine : remoteHealth) {
+        if (machine.online && (result == nullptr || machine.memoryPercent.value_or(0.0) >
+                                                        result->memoryPercent.value_or(0.0))) {
+            result = &machine;
+        }
+    }
+    return result;
+}
+
 SessionInsight remoteWatch(const RemoteHealth& machine) {
-    return insight(Kind::remoteWatch, "Remote Watch", machine.hostName,
-                   fmt::format("Highest scanned remote memory pressure: {}%.",
-                               percent(machine.memoryPercent.value_or(0.0))));
+    SessionInsight result = insight(Kind::remoteWatch, "Remote Watch", machine.hostName,
+                                    fmt::format("Highest scanned remote memory pressure: {}%.",
+                                                percent(machine.memoryPercent.value_or(0.0))));
+    result.sampledAt = machine.sampledAt;
+    return result;
 }
 
 /// `samples` is not empty.
@@ -88,17 +103,6 @@ SessionInsight remoteRepeater(const Counts& samples) {
 SessionInsight startingInsight() {
     return insight(Kind::starting, "Session", "Starting",
                    "Tallowcrest is collecting enough samples to identify patterns.");
-}
-
-const RemoteHealth* mostPressed(std::span<const RemoteHealth> remoteHealth) {
-    const RemoteHealth* result = nullptr;
-    for (const RemoteHealth& machine : remoteHealth) {
-        if (machine.online && (result == nullptr || machine.memoryPercent.value_or(0.0) >
-                                                        result->memoryPercent.value_or(0.0))) {
-            result = &machine;
-        }
-    }
-    return result;
 }
 
 std::vector<SessionInsight> buildSessionInsights(const SessionFindings& findings,

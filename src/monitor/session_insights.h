@@ -26,10 +26,6 @@ struct SessionFindings {
 /// Says that sampling has begun.
 SessionInsight startingInsight();
 
-/// Of the machines that were reached, the one with the highest memory pressure, the first one among
-/// equals; null when none was.
-const RemoteHealth* mostPressed(std::span<const RemoteHealth> remoteHealth);
-
 /// Peaks and averages, the application group that came first most often, and the results of scans
 /// of other machines: two to five insights in that order. Without history,
 /// `startingInsight` alone. Among groups of this machine with equal counts, the first in the order

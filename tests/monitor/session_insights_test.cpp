@@ -149,6 +149,14 @@ TEST(SessionInsights, WatchesTheReachedMachineWithTheHighestPressure) {
     EXPECT_THAT(furtherFacts({.remoteHealth = {machine("off", false, 99.0)}}), ElementsAre());
 }
 
+TEST(SessionInsights, OnlyTheFigureOfAnotherMachineHasATimeOfItsOwn) {
+    RemoteHealth studio = machine("studio", true, 50.0);
+    studio.sampledAt = Date{700000000.0};
+    EXPECT_THAT(eachOf(insightsOf({.topAppSamples = {{"Editor", 3}}, .remoteHealth = {studio}}),
+                       &SessionInsight::sampledAt),
+                ElementsAre(std::nullopt, std::nullopt, std::nullopt, studio.sampledAt));
+}
+
 TEST(SessionInsights, NamesTheGroupThatLedMostRemoteScans) {
     for (const auto& [counts, times] : {std::pair{Counts{{"Editor", 1}}, "1 time."},
                                         {Counts{{"Browser", 1}, {"Editor", 2}}, "2 times."},

@@ -104,17 +104,15 @@ std::vector<SummaryTexts> sessionSummary(const std::vector<ActivityEvent>& activ
 }
 
 std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>& insights,
-                                              const std::vector<RemoteHealth>& remoteHealth,
                                               Date now) {
     if (insights.empty()) {
-        return sessionInsightCards({startingInsight()}, {}, now);
+        return sessionInsightCards({startingInsight()}, now);
     }
-    const RemoteHealth* watched = mostPressed(remoteHealth);
     std::vector<SummaryTexts> cards;
     for (const SessionInsight& insight : insights) {
         QString detail = text(insight.detail);
-        if (insight.kind == SessionInsight::Kind::remoteWatch && watched != nullptr) {
-            detail += u" Sampled %1."_s.arg(dashboard_text::age(watched->sampledAt, now));
+        if (insight.sampledAt) {
+            detail += u" Sampled %1."_s.arg(dashboard_text::age(*insight.sampledAt, now));
         }
         cards.push_back({text(insight.title), text(insight.value), detail});
     }

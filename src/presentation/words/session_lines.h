@@ -49,9 +49,8 @@ inline constexpr std::size_t sessionSummaryCards = 4;
 QString noProtectedApps();
 
 /// A card for each insight; one that says that the session starts where there is none. A figure of
-/// another machine, which `remoteHealth` has, is shown with its age at `now`.
+/// another machine is shown with its age at `now`.
 std::vector<SummaryTexts> sessionInsightCards(const std::vector<SessionInsight>& insights,
-                                              const std::vector<RemoteHealth>& remoteHealth,
                                               Date now);
 /// As many as one sample can give.
 inline constexpr std::size_t mostSessionInsights = 5;

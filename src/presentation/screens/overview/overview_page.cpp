@@ -126,13 +126,13 @@ void OverviewPage::refresh() {
                     snapshot.has_value());
     topAppMemory_->show(snapshot);
     showDiskAutopilot(*diskAutopilot_, state_.sections, diskAutopilotFacts(monitor_));
-    const std::vector<RemoteHealth>& remoteHealth = monitor_.remote().scan.state().remoteHealth;
     const Date now = monitor_.services().clock.now();
-    topOffender_->show(offenderFacts(), remoteAlerts(remoteHealth, now),
+    topOffender_->show(offenderFacts(),
+                       remoteAlerts(monitor_.remote().scan.state().remoteHealth, now),
                        monitor_.advisor().provider.state().aiBusy);
     recentActivity_->show(activityLog, sampledAt);
     sessionSummary_->show(activityLog, sample.sessionInsights(), settings.protectedAppNames);
-    sessionInsights_->show(sample.sessionInsights(), remoteHealth, now);
+    sessionInsights_->show(sample.sessionInsights(), now);
 }
 
 TopOffenderFacts OverviewPage::offenderFacts() const {

@@ -32,10 +32,9 @@ SessionInsightsBlock::SessionInsightsBlock()
     bodyLayout()->addWidget(cards_.widget());
 }
 
-void SessionInsightsBlock::show(const std::vector<SessionInsight>& insights,
-                                const std::vector<RemoteHealth>& remoteHealth, Date now) {
+void SessionInsightsBlock::show(const std::vector<SessionInsight>& insights, Date now) {
     if (!isCollapsed()) {
-        cards_.show(sessionInsightCards(insights, remoteHealth, now));
+        cards_.show(sessionInsightCards(insights, now));
     }
 }
 

@@ -31,8 +31,7 @@ public:
     SessionInsightsBlock();
 
     /// The arguments are those of `sessionInsightCards`.
-    void show(const std::vector<SessionInsight>& insights,
-              const std::vector<RemoteHealth>& remoteHealth, Date now);
+    void show(const std::vector<SessionInsight>& insights, Date now);
 
 private:
     SummaryCards cards_;

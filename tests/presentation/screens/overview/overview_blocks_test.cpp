@@ -315,19 +315,19 @@ TEST_F(OverviewBlockTest, TheSummaryCountsTheSession) {
 
 TEST_F(OverviewBlockTest, InsightsAreShownUnchanged) {
     SessionInsightsBlock& block = place(new SessionInsightsBlock);
-    block.show({}, {}, {});
+    block.show({}, {});
     EXPECT_THAT(shownCards(block),
                 ElementsAre("Session: Starting, Tallowcrest is collecting enough samples to "
                             "identify patterns."));
     std::vector<SessionInsight> insights{
         {UUID::random(), "Peak CPU", "97%", "Average 40% across this session."},
         {UUID::random(), "Peak Memory", "80%", "Average 50% pressure across this session."}};
-    block.show(insights, {}, {});
+    block.show(insights, {});
     EXPECT_THAT(shownCards(block),
                 ElementsAre("Peak CPU: 97%, Average 40% across this session.",
                             "Peak Memory: 80%, Average 50% pressure across this session."));
     insights.pop_back();
-    block.show(insights, {}, {});
+    block.show(insights, {});
     EXPECT_THAT(shownCards(block), ElementsAre("Peak CPU: 97%, Average 40% across this session."));
 }
 

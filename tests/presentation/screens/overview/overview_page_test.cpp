@@ -68,7 +68,9 @@ TEST_F(OverviewPageTest, EveryBlockShowsItsPartOfTheSample) {
     machine.metrics->disk = {200.0, 50.0};
     recommendations = {recommend("Busy", Recommendation::Severity::caution),
                        recommend("Full", Recommendation::Severity::urgent)};
-    insights = {{UUID::random(), "Peak CPU", "97%", "Average 40% across this session."}};
+    insights = {{UUID::random(), "Peak CPU", "97%", "Average 40% across this session."},
+                {UUID::random(), "Remote Watch", "attic", "Highest.",
+                 SessionInsight::Kind::remoteWatch, machine.clock.now()}};
     showWithSample();
     machine.monitor().log().recordEvent(ActivityKind::warning, "Load is high");
     settle();
@@ -87,7 +89,8 @@ TEST_F(OverviewPageTest, EveryBlockShowsItsPartOfTheSample) {
     EXPECT_THAT(OverviewFixture::texts("overview.recent-activity"), Contains("Load is high"));
     EXPECT_THAT(cards("overview.session-summary"), Contains(HasSubstr("1 warnings")));
     EXPECT_THAT(cards("overview.session-insights"),
-                ElementsAre("Peak CPU: 97%, Average 40% across this session."));
+                ElementsAre("Peak CPU: 97%, Average 40% across this session.",
+                            "Remote Watch: attic, Highest. Sampled just now."));
 }
 
 TEST_F(OverviewPageTest, TopAppMemoryHasABarForEveryGroup) {
