@@ -190,8 +190,7 @@ void ConfirmationDialog::present(const ConfirmationRequest& request) {
     detailsNote_->setText(details.note);
     details_->setShortName(details.name);
     details_->showText(details.text);
-    setSpokenDescription(*detailsToggle_, details.description);
-    detailsToggle_->setToolTip(details.description);
+    setExplanation(*detailsToggle_, details.description);
     const int wanted = details_->heightForWidth(dialogWidth - 2 * spacing::pagePadding);
     detailsArea_->setFixedHeight(std::min(detailsHeight, wanted + spacing::unit));
     detailsToggle_->parentWidget()->setVisible(!details_->shownText().isEmpty());

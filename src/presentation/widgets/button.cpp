@@ -38,8 +38,7 @@ QPushButton* makeButton(const QString& title, const QString& icon, const QString
     auto* button = new Button(title, parent);
     button->setObjectName(identifier);
     button->setAccessibleName(title);
-    button->setAccessibleDescription(description);
-    button->setToolTip(description);
+    setExplanation(*button, description);
     if (!icon.isEmpty()) {
         button->setIcon(themedIcon(icon));
         button->setIconSize({spacing::iconSmall, spacing::iconSmall});

@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/icon.h"
 
@@ -19,8 +20,7 @@ MenuButton::MenuButton(const QString& title, const QString& identifier, const QS
     installAccessibleButtons();
     setObjectName(identifier);
     setAccessibleName(title);
-    setAccessibleDescription(description);
-    setToolTip(description);
+    setExplanation(*this, description);
     setIcon(themedIcon(u"chevron.down"_s));
     setIconSize({spacing::iconSmall, spacing::iconSmall});
     menu_->setObjectName(identifier + u".menu"_s);

@@ -8,6 +8,7 @@
 
 #include "presentation/screens/chat/chat_lines.h"
 #include "presentation/screens/shared/summary_cards.h"
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/flow_row.h"
 #include "presentation/widgets/text_button.h"
@@ -64,8 +65,7 @@ QWidget* ChatPanel::makeQuestion(int number, const QString& question) {
         auto* button = new TextButton(identifier, &CrestTheme::accentText, row);
         button->setText(text);
         button->setAccessibleName(name);
-        button->setAccessibleDescription(description);
-        button->setToolTip(description);
+        setExplanation(*button, description);
         connect(button, &TextButton::clicked, this,
                 [this, signal, question] { emit(this->*signal)(question); });
         layout->addWidget(button);

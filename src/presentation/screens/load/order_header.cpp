@@ -47,8 +47,7 @@ void OrderHeader::makeImpactOrder() {
     impactOrder_ = new TextButton(u"processes.impact-order"_s, &CrestTheme::accentText, this);
     impactOrder_->setText(u"Impact order"_s);
     impactOrder_->setAccessibleName(impactOrder_->text());
-    impactOrder_->setAccessibleDescription(impactOrderEffect());
-    impactOrder_->setToolTip(impactOrderEffect());
+    setExplanation(*impactOrder_, impactOrderEffect());
     connect(impactOrder_, &TextButton::clicked, this, [this] {
         // The focus must not get lost with the button.
         if (impactOrder_->hasFocus()) {
@@ -66,8 +65,7 @@ void OrderHeader::setOrder(const std::optional<ProcessOrder>& order) {
         button.setText(shown.text);
         button.setColor(shown.isOrdered ? &CrestTheme::text : &CrestTheme::secondaryText);
         setSpokenName(button, shown.spoken);
-        setSpokenDescription(button, shown.effect);
-        button.setToolTip(shown.effect);
+        setExplanation(button, shown.effect);
     }
     impactOrder_->setVisible(order.has_value());
     placeTitles();

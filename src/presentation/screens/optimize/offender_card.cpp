@@ -190,8 +190,7 @@ void OffenderCard::showNeverQuit(bool isOn) {
                              : u"Puts this app group on the Never Quit list, which "
                                "protects it from quit actions"_s;
     setSpokenName(*neverQuit_, name);
-    setSpokenDescription(*neverQuit_, act);
-    neverQuit_->setToolTip(act);
+    setExplanation(*neverQuit_, act);
 }
 
 std::vector<const ProcessSample*> OffenderCard::rowsInView() const {

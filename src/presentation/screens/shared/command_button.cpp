@@ -1,5 +1,6 @@
 #include "presentation/screens/shared/command_button.h"
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/danger_button.h"
 
@@ -15,8 +16,7 @@ DangerButton* makeDangerButton(const Command& command, const QString& identifier
     button->setObjectName(identifier);
     button->setTitle(QString::fromUtf8(command.title));
     const QString description = QString::fromUtf8(command.description);
-    button->setAccessibleDescription(description);
-    button->setToolTip(description);
+    setExplanation(*button, description);
     return button;
 }
 
