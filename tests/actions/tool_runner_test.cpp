@@ -38,6 +38,7 @@ TEST_F(ToolRunnerTest, RunToolPassesTheCallersTimeout) {
     EXPECT_THAT(launcher.requests[0].arguments, testing::ElementsAre("-sk", "/tmp"));
     EXPECT_EQ(launcher.requests[0].timeout, 60000ms);
     EXPECT_FALSE(launcher.requests[0].mergeStandardError);
+    EXPECT_FALSE(launcher.requests[0].isKilledAfterDeadline);
     EXPECT_EQ(mainQueue.pendingCount(), 0U);
 }
 
@@ -52,6 +53,7 @@ TEST_F(ToolRunnerTest, TheBytesOfATextThatIsNoneAreKeptWhereTheyAreWanted) {
     ASSERT_EQ(launcher.requests.size(), 1U);
     EXPECT_EQ(launcher.requests[0].timeout, 60000ms);
     EXPECT_FALSE(launcher.requests[0].mergeStandardError);
+    EXPECT_FALSE(launcher.requests[0].isKilledAfterDeadline);
     source.request_stop();
     EXPECT_TRUE(launcher.requests[0].stop.stop_requested());
 }
@@ -67,6 +69,7 @@ TEST_F(ToolRunnerTest, RunSSHLaunchesOnlyTheSecureShellWithStandardErrorMerged) 
     EXPECT_THAT(launcher.requests[0].arguments, testing::ElementsAre("studio", "uptime"));
     EXPECT_EQ(launcher.requests[0].timeout, 8000ms);
     EXPECT_TRUE(launcher.requests[0].mergeStandardError);
+    EXPECT_TRUE(launcher.requests[0].isKilledAfterDeadline);
 }
 
 TEST_F(ToolRunnerTest, ARefusalReturnsAtOnceAndIsRecordedLater) {

@@ -108,8 +108,9 @@ public:
         if (!abandonDue) {
             return;
         }
-        if ((request_.stop.stop_requested() || request_.isKilledAfterDeadline) &&
-            !std::exchange(isKilled_, true)) {
+        const bool mayKill = request_.stop.stop_requested() ||
+                             (request_.isKilledAfterDeadline && result_.deadlinePassed);
+        if (mayKill && !std::exchange(isKilled_, true)) {
             // The program goes on: a child that is left to itself would stay, and then its zombie.
             child_.kill();
             abandonAt_ = now + stopGrace;

@@ -1,3 +1,6 @@
+#include <sys/resource.h>
+
+#include <functional>
 #include <map>
 #include <memory>
 #include <stop_token>
@@ -60,6 +63,25 @@ TEST_F(KeychainTest, KeepsOneSecretOnThisMachineOnly) {
     EXPECT_EQ(askedBesides(), Attributes());
     EXPECT_FALSE(store->isStored());
     EXPECT_TRUE(store->remove()) << "there was none";
+}
+
+TEST_F(KeychainTest, WhatHasASecretInMemoryLeavesNoDump) {
+    const std::function<void()> uses[] = {[this] { store->forbidDumps(); },
+                                          [this] { store->read(); },
+                                          [this] { store->add(SecretText("sk-one")); }};
+    for (const auto& use : uses) {
+        rlimit limit{};
+        ASSERT_EQ(::getrlimit(RLIMIT_CORE, &limit), 0);
+        if (limit.rlim_max <= 1) {
+            GTEST_SKIP() << "there are no dumps anyway";
+        }
+        limit.rlim_cur = limit.rlim_max;
+        ASSERT_EQ(::setrlimit(RLIMIT_CORE, &limit), 0);
+        use();
+        ASSERT_EQ(::getrlimit(RLIMIT_CORE, &limit), 0);
+        EXPECT_LE(limit.rlim_cur, 1U);
+    }
+    store->remove();
 }
 
 TEST_F(KeychainTest, ARefusalIsNoSecretAndNoSuccess) {

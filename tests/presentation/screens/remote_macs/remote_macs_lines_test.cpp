@@ -350,6 +350,16 @@ TEST_F(RemoteMacsLinesTest, TheClientThatDidNotAnswerIsTold) {
               "be installed or not be running."_s);
 }
 
+TEST_F(RemoteMacsLinesTest, LinuxMachinesThatAreLeftOutAreCounted) {
+    EXPECT_EQ(macs::linuxMachinesLeftOut(0), QString());
+    EXPECT_EQ(macs::linuxMachinesLeftOut(1),
+              u"1 Linux machine is online. Turn on Include Linux machines in the automation "
+              "settings to scan it."_s);
+    EXPECT_EQ(macs::linuxMachinesLeftOut(1200),
+              u"1,200 Linux machines are online. Turn on Include Linux machines in the automation "
+              "settings to scan them."_s);
+}
+
 TEST_F(RemoteMacsLinesTest, ManyProblemsOfTheClientAreCut) {
     EXPECT_THAT(macs::healthIssues({}), IsEmpty());
     EXPECT_THAT(macs::healthIssues({"No DNS.\r", "No route."}),

@@ -65,6 +65,15 @@ TEST_F(RemoteMacsPageTest, WithoutPeersItSaysSo) {
     EXPECT_NE(visible("remote.tailscale.peers"), nullptr);
 }
 
+TEST_F(RemoteMacsPageTest, WithoutAnAnswerOfTheTailnetItSaysSo) {
+    machine.tailscaleDaemon = [](std::string_view, const std::stop_token&) { return std::nullopt; };
+    showPage(0);
+    tick();
+    tick();
+    EXPECT_TRUE(
+        textOf("remote.tailscale.empty").endsWith(u"may not be installed or not be running."_s));
+}
+
 TEST_F(RemoteMacsPageTest, WithLinuxMachinesAloneItLeadsToTheSettingThatIncludesThem) {
     showPage(1);
     EXPECT_EQ(visible("remote.tailscale.left-out"), nullptr);
