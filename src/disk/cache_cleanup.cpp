@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <span>
+#include <utility>
 
 #include "disk/disk_autopilot_policy.h"
 #include "disk/file_names.h"
@@ -50,29 +51,59 @@ CachesRoot cachesRoot(const CachesPlace& place) {
 
 }  // namespace
 
-DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
-                                     const Clock& clock,
-                                     const std::function<void(const SearchProgress&)>& progress,
-                                     const std::stop_token& stop) {
-    DiskCleanupPlan plan;
+DiskCleanupPlans buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
+                                      const Clock& clock,
+                                      const std::function<void(const SearchProgress&)>& progress,
+                                      const std::stop_token& stop) {
+    DiskCleanupPlan review;
+    DiskCleanupPlan automatic;
+    const std::vector<FileIdentity>& wantedBack = request.wantedBack;
+    const bool isOnePlan = wantedBack.empty();
     const auto [root, keptFolder] = cachesRoot(request.place);
-    plan.keptFolder = keptFolder;
+    review.keptFolder = keptFolder;
     const Date cutOff = policy::cutOffDate(clock.now(), request.ageDays);
     const std::int64_t cap = policy::byteCap(request.maxGB);
+    const auto isFull = [](const DiskCleanupPlan& plan) {
+        return plan.urls.size() >= policy::maxFilesPerRun;
+    };
+    const auto hasRoom = [&](const DiskCleanupPlan& plan, const FoundFile& file) {
+        return !isFull(plan) && policy::fits(plan.bytes, file.bytes, cap);
+    };
+    const auto add = [](DiskCleanupPlan& plan, const FoundFile& file) {
+        plan.urls.push_back({file.path, file.identity, file.bytes});
+        plan.bytes += file.bytes;
+    };
     const auto visit = [&](const FoundFile& file) {
-        // Resolving a path costs most, so it comes last.
-        if (policy::isEligible(file, cutOff) && policy::fits(plan.bytes, file.bytes, cap) &&
-            policy::isInsideUserCaches(resolvedPath(file.path), root)) {
-            plan.urls.push_back({file.path, file.identity, file.bytes});
-            plan.bytes += file.bytes;
+        if (!policy::isEligible(file, cutOff)) {
+            return true;
         }
-        return plan.urls.size() < policy::maxFilesPerRun;
+        const bool isForReview = hasRoom(review, file);
+        const bool isForAutomatic =
+            !isOnePlan && hasRoom(automatic, file) &&
+            std::ranges::find(wantedBack, file.identity) == wantedBack.end();
+        // Resolving a path costs most, so it comes last.
+        if ((isForReview || isForAutomatic) &&
+            policy::isInsideUserCaches(resolvedPath(file.path), root)) {
+            if (isForReview) {
+                add(review, file);
+            }
+            if (isForAutomatic) {
+                add(automatic, file);
+            }
+        }
+        return !isFull(review) || !(isOnePlan || isFull(automatic));
     };
     if (!root.empty()) {
         walk.walk(root, visit, progress, stop);
     }
-    plan.createdAt = clock.now();
-    return plan;
+    review.createdAt = clock.now();
+    if (isOnePlan) {
+        automatic = review;
+    } else {
+        automatic.keptFolder = review.keptFolder;
+        automatic.createdAt = review.createdAt;
+    }
+    return {std::move(review), std::move(automatic)};
 }
 
 void CleanupTally::begin() {

@@ -11,6 +11,7 @@
 #include "core/jobs/jobs.h"
 #include "disk/disk_ports.h"
 #include "disk/disk_records.h"
+#include "disk/file_identity.h"
 #include "disk/file_walks.h"
 #include "disk/trash.h"
 
@@ -33,15 +34,23 @@ struct CacheScanRequest {
     CachesPlace place;
     double ageDays = 0.0;
     double maxGB = 0.0;
+    std::vector<FileIdentity> wantedBack = {};  ///< only a review may offer these files
 };
 
-/// Makes a plan of the files that the policy allows. It is empty when the folder of the caches
-/// cannot be read, or overlaps with a folder of other files, which it then names. Ends soon after a
-/// stop is requested; the plan is then not complete. `progress` is called as `FileWalk` does.
-DiskCleanupPlan buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
-                                     const Clock& clock,
-                                     const std::function<void(const SearchProgress&)>& progress,
-                                     const std::stop_token& stop);
+/// What came of one scan. Each plan has the caps of the policy for itself.
+struct DiskCleanupPlans {
+    DiskCleanupPlan review;
+    DiskCleanupPlan automatic;  ///< without the files that were wanted back
+};
+
+/// Makes the plans of the files that the policy allows. They are empty when the folder of the
+/// caches cannot be read, or overlaps with a folder of other files, which they then name. Ends soon
+/// after a stop is requested; the plans are then not complete. `progress` is called as `FileWalk`
+/// does.
+DiskCleanupPlans buildDiskCleanupPlan(FileWalk& walk, const CacheScanRequest& request,
+                                      const Clock& clock,
+                                      const std::function<void(const SearchProgress&)>& progress,
+                                      const std::stop_token& stop);
 
 struct CacheMoveRequest {
     std::vector<CleanupCandidate> files;

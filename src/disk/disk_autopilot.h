@@ -124,9 +124,10 @@ private:
     /// Whether the mode and the record of earlier runs allow a clean-up that no one confirms.
     bool isAutopilotTrusted() const;
     void beginScan(Purpose purpose);
-    void finishScan(DiskCleanupPlan plan);
+    void finishScan(DiskCleanupPlans plans);
     void finishReview();
-    void finishLowSpaceCheck();
+    /// `automatic` is what a run that no one confirms may move.
+    void finishLowSpaceCheck(DiskCleanupPlan automatic);
     void finishStoppedScan();
     /// Whether files are moved to the Trash or put back.
     bool isMoving() const { return run_ || undo_; }

@@ -26,7 +26,7 @@ void DiskAutopilot::beginScan(Purpose purpose) {
     const Settings& settings = dependencies_.services.settings.values();
     const DiskPlaces& places = dependencies_.ports.places;
     scanRequest_ = {cachesPlace(places), policy::clampedAgeDays(settings.diskCleanupAgeDays),
-                    policy::clampedMaxGB(settings.diskMaxCleanupGB)};
+                    policy::clampedMaxGB(settings.diskMaxCleanupGB), wantedBack_};
     state_.scan.emplace();
     observable_->changed();
     scan_.begin().runWithProgress<SearchProgress>(
@@ -41,10 +41,10 @@ void DiskAutopilot::beginScan(Purpose purpose) {
             state_.scan = std::move(progress);
             observable_->changed();
         },
-        [this](DiskCleanupPlan plan) { finishScan(std::move(plan)); });
+        [this](DiskCleanupPlans plans) { finishScan(std::move(plans)); });
 }
 
-void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
+void DiskAutopilot::finishScan(DiskCleanupPlans plans) {
     if (scan_.isStopping()) {
         scan_.end();
         finishStoppedScan();
@@ -53,12 +53,12 @@ void DiskAutopilot::finishScan(DiskCleanupPlan plan) {
     scan_.end();
     state_.scan.reset();
     followEmergencyStop();
-    state_.diskCleanupPlan = std::move(plan);
+    state_.diskCleanupPlan = std::move(plans.review);
     observable_->changed();
     if (purpose_ == Purpose::review) {
         finishReview();
     } else {
-        finishLowSpaceCheck();
+        finishLowSpaceCheck(std::move(plans.automatic));
     }
 }
 
@@ -97,7 +97,7 @@ void DiskAutopilot::finishReview() {
                           dependencies_.services.settings.values().diskMaxCleanupGB, caches_));
 }
 
-void DiskAutopilot::finishLowSpaceCheck() {
+void DiskAutopilot::finishLowSpaceCheck(DiskCleanupPlan automatic) {
     const DiskCleanupPlan& plan = *state_.diskCleanupPlan;
     ActivityLog& log = dependencies_.services.log;
     const double minimumFreeGB = dependencies_.services.settings.values().diskMinimumFreeGB;
@@ -116,7 +116,8 @@ void DiskAutopilot::finishLowSpaceCheck() {
     }
     std::string_view prepared = receipts::preparedForReview;
     if (isAutopilotTrusted()) {
-        DiskCleanupPlan rest = policy::planWithout(plan, wantedBack_);
+        // What was put back while the scan was under way.
+        DiskCleanupPlan rest = policy::planWithout(std::move(automatic), wantedBack_);
         // What the owner puts back at this moment is not to be moved again.
         if (!isMoving() && !rest.urls.empty()) {
             state_.diskCleanupPlan = std::move(rest);

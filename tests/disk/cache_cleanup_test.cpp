@@ -37,12 +37,16 @@ protected:
         return inCaches(name);
     }
 
-    DiskCleanupPlan plan(const std::string& caches = "/home/owner/.cache",
-                         const std::string& home = "/home/owner") {
+    DiskCleanupPlans plans(const std::string& caches = "/home/owner/.cache",
+                           const std::string& home = "/home/owner") {
         return buildDiskCleanupPlan(
-            walk, {{caches, home, kept}, 30.0, 2.0}, clock,
+            walk, {{caches, home, kept}, 30.0, 2.0, wantedBack}, clock,
             [this](SearchProgress progress) { seen.push_back(progress.filesSeen); },
             stopSource.get_token());
+    }
+    DiskCleanupPlan plan(const std::string& caches = "/home/owner/.cache",
+                         const std::string& home = "/home/owner") {
+        return plans(caches, home).review;
     }
     std::vector<std::string> planned() { return eachOf(plan().urls, &CleanupCandidate::path); }
 
@@ -60,6 +64,7 @@ protected:
     FakeFileWalk walk{files};
     FakeTrash trash{files};
     std::vector<std::string> kept;
+    std::vector<FileIdentity> wantedBack;
     std::vector<std::int64_t> seen;
     std::stop_source stopSource;
     std::stop_source programStop;
@@ -109,6 +114,46 @@ TEST_F(CacheCleanupTest, TheWalkEndsAtFiveHundredFiles) {
     EXPECT_THAT(made.urls, SizeIs(500));
     EXPECT_EQ(made.urls.back().path, inCaches("499"));
     EXPECT_EQ(visited, 499);
+}
+
+TEST_F(CacheCleanupTest, WhatWasWantedBackTakesNoRoomInThePlanOfAnAutomaticRun) {
+    const std::string large = add("large", 2 * gigabyte);
+    wantedBack = {files.find(large)->identity};
+    const std::string small = add("small", gigabyte);
+    add("too large", gigabyte + 1);
+    kept = {"/home/owner/Documents"};
+    const DiskCleanupPlans made = plans();
+    EXPECT_THAT(eachOf(made.review.urls, &CleanupCandidate::path), ElementsAre(large));
+    EXPECT_THAT(eachOf(made.automatic.urls, &CleanupCandidate::path), ElementsAre(small));
+    EXPECT_EQ(made.automatic.bytes, gigabyte);
+    EXPECT_EQ(made.automatic.createdAt, made.review.createdAt);
+    kept = {"/home/owner/.cache"};
+    EXPECT_EQ(plans().automatic.keptFolder, "/home/owner/.cache");
+}
+
+TEST_F(CacheCleanupTest, WithNothingWantedBackBothPlansAreTheSame) {
+    add("a", 1);
+    add("b", 2);
+    const DiskCleanupPlans made = plans();
+    EXPECT_THAT(made.review.urls, SizeIs(2));
+    EXPECT_EQ(made.automatic, made.review);
+}
+
+TEST_F(CacheCleanupTest, TheWalkGoesOnUntilBothPlansAreFull) {
+    for (int i = 0; i < 1010; ++i) {
+        const std::string path = add(fmt::format("{:04}", i), 1);
+        if (i < 500) {
+            wantedBack.push_back(files.find(path)->identity);
+        }
+    }
+    int visited = 0;
+    walk.visited = [&] { ++visited; };
+    const DiskCleanupPlans made = plans();
+    EXPECT_THAT(made.review.urls, SizeIs(500));
+    EXPECT_EQ(made.review.urls.back().path, inCaches("0499"));
+    EXPECT_THAT(made.automatic.urls, SizeIs(500));
+    EXPECT_EQ(made.automatic.urls.back().path, inCaches("0999"));
+    EXPECT_EQ(visited, 999);
 }
 
 TEST_F(CacheCleanupTest, AStopEndsTheWalk) {

@@ -1,10 +1,12 @@
 #include "disk/cleanup_undo.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -256,6 +258,22 @@ TEST_F(CleanupUndoTest, WhatWasPutBackIsMovedAgainOnlyAfterAReview) {
     autopilot().checkDiskAutopilot(diskOf(1.0), true);
     finishWork();
     EXPECT_FALSE(isInPlace(a));
+}
+
+TEST_F(CleanupUndoTest, AFullPlanThatWasPutBackLeavesRoomForOtherFiles) {
+    trustAutopilot();
+    for (int i = 0; i <= 500; ++i) {
+        cacheFile(fmt::format("{:03}", i), 1);
+    }
+    cleanUp();
+    EXPECT_EQ(autopilot().state().undoableFiles, 500U);
+    undo();
+    // What was put back comes first in the walk again.
+    std::ranges::sort(diskPorts.files.all, {}, &FoundFile::path);
+    autopilot().checkDiskAutopilot(diskOf(1.0), true);
+    finishWork();
+    EXPECT_THAT(diskPorts.files.all, SizeIs(500));
+    EXPECT_FALSE(isInPlace("/home/owner/.cache/500"));
 }
 
 TEST_F(CleanupUndoTest, WhatIsPutBackDuringACheckIsNotTakenByIt) {

@@ -54,7 +54,8 @@ protected:
     DiskCleanupPlan plan() {
         PosixFileWalk walk;
         return buildDiskCleanupPlan(walk, {place, 30.0, 2.0}, clock, [](const SearchProgress&) {},
-                                    {});
+                                    {})
+            .review;
     }
 
     CleanupProgress carryOut(
