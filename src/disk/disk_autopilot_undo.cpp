@@ -59,7 +59,8 @@ Outcome DiskAutopilot::undoLatestCleanup() {
 
 void DiskAutopilot::recordUndo(bool isGivenUp) {
     CleanupUndo undo = std::exchange(undo_, nullptr)->state();
-    undo.isUnanswered = isGivenUp;
+    // It can have ended just before its result arrived.
+    undo.isUnanswered = isGivenUp && undo.progress.done < undo.progress.all;
     // One objection to a clean-up is enough, however often what remains is tried again.
     setUndoable(undo.remaining, false);
     const std::string status = receipts::undoStatus(undo);

@@ -199,6 +199,23 @@ TEST_F(CleanupUndoTest, AnUndoingThatHangsIsGivenUpAndCanBeTriedAgain) {
     EXPECT_TRUE(isInPlace(b));
 }
 
+TEST_F(CleanupUndoTest, AnUndoingThatHasEndedWhenItIsGivenUpIsToldAsItEnded) {
+    cacheFile("a", 1);
+    cleanUp();
+    cacheFile("a", 5);
+    diskPorts.trash->puttingBack = [this](const std::string&) { autopilot().stopUndo(); };
+    EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
+    workQueue.run();
+    mainQueue.fireTimers();
+    mainQueue.drain();
+    EXPECT_EQ(status(), "No file could be put back from Trash.");
+    ASSERT_THAT(log.activityLog(), SizeIs(1));
+    EXPECT_EQ(detail(),
+              "Trigger: the owner asked to put back the latest cleanup. Result: put back 0 of 1 "
+              "file (0.00 GB) from Trash. Not put back: File exists (1 file). Recovery: what is "
+              "still in Trash can be put back there.");
+}
+
 TEST_F(CleanupUndoTest, OnlyTheLatestCleanUpIsPutBack) {
     const std::string a = cacheFile("a", 1);
     cleanUp();
