@@ -106,8 +106,7 @@ std::string undoReceipt(const CleanupUndo& undo) {
     if (progress.done < progress.all) {
         text += fmt::format(" Stopped before the {}.", lastFiles(progress));
     }
-    text += undo.isUnanswered || progress.isFileAtHand ? " The disk did not answer in time." : "";
-    text += progress.isFileAtHand ? " The file at hand may have been put back." : "";
+    text += unansweredClause(progress, undo.isUnanswered, "put back");
     std::string_view beforeReason = " Not put back:";
     for (const auto& [why, files] : undo.left) {
         text += fmt::format("{} {} ({} file{})", beforeReason, why, files, pluralEnding(files));

@@ -39,11 +39,9 @@ std::string stopClause(const Cleanup& cleanup) {
     if (cleanup.stoppedBy == StoppedBy::nothing) {
         return {};
     }
-    const bool isUnanswered = cleanup.isUnanswered || cleanup.progress.isFileAtHand;
-    return fmt::format(
-        " Stopped: by {}, before the {}.{}{}", stopper(cleanup.stoppedBy),
-        lastFiles(cleanup.progress), isUnanswered ? " The disk did not answer in time." : "",
-        cleanup.progress.isFileAtHand ? " The file at hand may have been moved." : "");
+    return fmt::format(" Stopped: by {}, before the {}.{}", stopper(cleanup.stoppedBy),
+                       lastFiles(cleanup.progress),
+                       unansweredClause(cleanup.progress, cleanup.isUnanswered, "moved"));
 }
 
 /// A sentence for files that a full disk kept from being moved, with a blank in front; else empty.
@@ -95,6 +93,16 @@ std::string completionReceipt(const Cleanup& cleanup, std::string_view caches) {
 std::string lastFiles(const CleanupProgress& progress) {
     const std::size_t rest = progress.all - progress.done;
     return rest == 1 ? "last file" : fmt::format("last {} files", rest);
+}
+
+std::string unansweredClause(const CleanupProgress& progress, bool isUnanswered,
+                             std::string_view done) {
+    std::string text =
+        isUnanswered || progress.isFileAtHand ? " The disk did not answer in time." : "";
+    if (progress.isFileAtHand) {
+        text += fmt::format(" The file at hand may have been {}.", done);
+    }
+    return text;
 }
 
 std::string healthy(double freeGB) {

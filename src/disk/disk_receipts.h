@@ -69,6 +69,10 @@ std::string stoppedCheckReceipt(double minimumFreeGB);
 
 /// "last 3 files": those that a stop has left.
 std::string lastFiles(const CleanupProgress& progress);
+/// Sentences for a disk that did not answer when it was stopped, with a blank in front; else empty.
+/// `done` is what may have become of the file at hand: "moved", "put back".
+std::string unansweredClause(const CleanupProgress& progress, bool isUnanswered,
+                             std::string_view done);
 
 /// Why a clean-up ended before its last file.
 enum class StoppedBy { nothing, owner, shutdown };
