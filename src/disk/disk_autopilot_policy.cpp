@@ -7,17 +7,24 @@
 #include "disk/storage_areas.h"
 
 namespace tallowcrest::DiskAutopilotSafetyPolicy {
+namespace {
+
+bool isOrContains(const std::string& folder, const std::string& other) {
+    return folder == other || isInsideFolder(other, folder);
+}
+
+}  // namespace
 
 bool isInsideUserCaches(const std::string& file, const std::string& caches) {
     return isInsideFolder(file, caches);
 }
 
 bool containsHome(const std::string& caches, const std::string& home) {
-    return caches == home || isInsideFolder(home, caches);
+    return isOrContains(caches, home);
 }
 
 bool overlaps(const std::string& caches, const std::string& kept) {
-    return caches == kept || isInsideFolder(kept, caches) || isInsideFolder(caches, kept);
+    return isOrContains(caches, kept) || isOrContains(kept, caches);
 }
 
 std::int64_t byteCap(double maxGB) {
