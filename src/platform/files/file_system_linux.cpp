@@ -7,7 +7,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <fstream>
 #include <string>
 
 #include "platform/files/entry_kind.h"
@@ -92,25 +91,19 @@ std::array<timespec, 2> timesOf(const struct stat& info) {
 }
 
 bool isRotational(const std::string& path) {
-    struct statx found {};
-    if (::statx(AT_FDCWD, path.c_str(), AT_NO_AUTOMOUNT, STATX_TYPE | STATX_MNT_ID, &found) != 0) {
+    const auto found = mountedPath(path);
+    if (!found) {
         return false;
     }
-    if (found.stx_dev_major != 0 || (found.stx_mask & STATX_MNT_ID) == 0) {
-        return isRotationalDisk("/sys", found.stx_dev_major, found.stx_dev_minor);
+    if (found->deviceMajor != 0) {
+        return isRotationalDisk("/sys", found->deviceMajor, found->deviceMinor);
     }
     // The device of a subvolume is not that of its disk.
-    std::ifstream mounts("/proc/self/mountinfo");
-    for (std::string line; std::getline(mounts, line);) {
-        if (const auto source = sourceOfMount(line, found.stx_mnt_id)) {
-            struct stat disk {};
-            return source->starts_with("/dev/") && ::stat(source->c_str(), &disk) == 0 &&
-                   S_ISBLK(disk.st_mode) &&
-                   isRotationalDisk("/sys", ::gnu_dev_major(disk.st_rdev),
-                                    ::gnu_dev_minor(disk.st_rdev));
-        }
-    }
-    return false;
+    const std::string source = found->mountSource.value_or("");
+    struct stat disk {};
+    return source.starts_with("/dev/") && ::stat(source.c_str(), &disk) == 0 &&
+           S_ISBLK(disk.st_mode) &&
+           isRotationalDisk("/sys", ::gnu_dev_major(disk.st_rdev), ::gnu_dev_minor(disk.st_rdev));
 }
 
 std::optional<std::int64_t> copyWithinKernel(int from, int to, std::int64_t offset,

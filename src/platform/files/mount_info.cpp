@@ -1,9 +1,12 @@
 #include "platform/files/mount_info.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/sysmacros.h>
 
 #include <charconv>
 #include <cstddef>
+#include <fstream>
 #include <limits>
 #include <system_error>
 
@@ -76,6 +79,22 @@ std::optional<std::string> sourceOfMount(std::string_view line, std::uint64_t mo
     takeUntil(line, " ");
     const std::string_view source = takeUntil(line, " ");
     return source.empty() ? std::nullopt : std::optional(withoutEscapes(source));
+}
+
+std::optional<MountedPath> mountedPath(const std::string& path) {
+    struct statx found {};
+    if (::statx(AT_FDCWD, path.c_str(), AT_NO_AUTOMOUNT, STATX_TYPE | STATX_MNT_ID, &found) != 0) {
+        return std::nullopt;
+    }
+    MountedPath result{found.stx_dev_major, found.stx_dev_minor};
+    if ((found.stx_mask & STATX_MNT_ID) != 0) {
+        std::ifstream mounts("/proc/self/mountinfo");
+        for (std::string line; !result.mountDevice && std::getline(mounts, line);) {
+            result.mountDevice = deviceOfMount(line, found.stx_mnt_id);
+            result.mountSource = sourceOfMount(line, found.stx_mnt_id);
+        }
+    }
+    return result;
 }
 
 }  // namespace tallowcrest

@@ -16,4 +16,17 @@ std::optional<std::uint64_t> deviceOfMount(std::string_view line, std::uint64_t 
 /// one of several disks where it has several, else a word of its kind. Absent as above.
 std::optional<std::string> sourceOfMount(std::string_view line, std::uint64_t mount);
 
+/// What a path is stored on.
+struct MountedPath {
+    unsigned deviceMajor = 0;  ///< the device of a subvolume is not that of its file system
+    unsigned deviceMinor = 0;
+    // As above, of the mount that the path is in.
+    std::optional<std::uint64_t> mountDevice = {};
+    std::optional<std::string> mountSource = {};
+};
+
+/// Links are followed. Absent when the path cannot be read. Blocks as long as the file system
+/// hangs. Any thread.
+std::optional<MountedPath> mountedPath(const std::string& path);
+
 }  // namespace tallowcrest
