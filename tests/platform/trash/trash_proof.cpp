@@ -36,6 +36,10 @@ public:
         return std::make_unique<Move>(*this, request);
     }
     PutBackOutcome putBack(const TrashItem& item) override { return trash_.putBack(item); }
+    void removeUnusedDescriptions(const std::string& inside,
+                                  const std::function<bool()>& isStopped) override {
+        trash_.removeUnusedDescriptions(inside, isStopped);
+    }
 
 private:
     struct Move final : PreparedMove {
