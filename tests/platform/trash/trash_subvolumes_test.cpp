@@ -16,6 +16,7 @@
 #include "platform/files/volume_of.h"
 #include "tests/platform/trash/own_mounts.h"
 #include "tests/platform/trash/trash_fixture.h"
+#include "tests/support/file_text.h"
 #include "tests/support/run_program.h"
 
 namespace tallowcrest {
@@ -57,6 +58,12 @@ protected:
                runProgram({.path = program, .arguments = arguments}).status == 0;
     }
 
+    static bool isWritten(const fs::path& file, const std::string& text) {
+        std::ofstream stream(file);
+        stream << text << std::flush;
+        return stream.good();
+    }
+
     void addSubvolume(const fs::path& place) const {
         fs::create_directories(place.parent_path());
         ASSERT_TRUE(succeeds("/usr/bin/btrfs", {"subvolume", "create", place}));
@@ -69,12 +76,18 @@ TEST_F(TrashSubvolumesTest, TheirDiskIsThatOfTheMount) {
     withSubvolumes([&] {
         const std::string device =
             shellOutput("findmnt --noheadings --output SOURCE '" + disk.string() + '\'');
-        const std::string answer = shellOutput(
-            "cat /sys/block/" + fs::path(device.substr(0, device.find('\n'))).filename().string() +
-            "/queue/rotational");
-        for (const fs::path& place : {disk, disk / "part", home}) {
-            EXPECT_EQ(file_system::isRotational(place), answer.starts_with('1')) << place;
+        const fs::path queue =
+            "/sys/block" / fs::path(device.substr(0, device.find('\n'))).filename() / "queue";
+        const std::string before = fileText(queue / "rotational");
+        ASSERT_NE(before, "");
+        for (const std::string answer : {"1", "0"}) {
+            // Not every account may set it.
+            const std::string told = isWritten(queue / "rotational", answer) ? answer : before;
+            for (const fs::path& place : {disk, disk / "part", home}) {
+                EXPECT_EQ(file_system::isRotational(place), told.starts_with('1')) << place;
+            }
         }
+        static_cast<void>(isWritten(queue / "rotational", before));
     });
 }
 
