@@ -6,6 +6,9 @@
 
 #include <csignal>
 #include <cstdio>
+#include <string>
+
+#include <gtest/gtest.h>
 
 namespace tallowcrest {
 
@@ -41,6 +44,19 @@ TracedRun runTraced(const std::function<int()>& work, const std::function<bool(i
     }
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return run;
+}
+
+bool atEachStop(const std::function<TracedRun(int at)>& once) {
+    int stops = 1;
+    for (int at = 0; at < stops && !::testing::Test::HasFailure(); ++at) {
+        SCOPED_TRACE("at stop " + std::to_string(at));
+        const TracedRun run = once(at);
+        if (!run.isPossible) {
+            return false;
+        }
+        stops = run.stops;
+    }
+    return true;
 }
 
 }  // namespace tallowcrest

@@ -15,4 +15,9 @@ struct TracedRun {
 /// number, from 0; when it answers false the process is killed there.
 TracedRun runTraced(const std::function<int()>& work, const std::function<bool(int stop)>& goesOn);
 
+/// Calls `once`, which runs a process and interferes with it at the stop `at`, for each stop that
+/// the latest of these processes had, until the test has failed. False where a run was not
+/// possible.
+bool atEachStop(const std::function<TracedRun(int at)>& once);
+
 }  // namespace tallowcrest

@@ -33,6 +33,12 @@ class TrashFixture : public ::testing::Test {
 protected:
     TrashFixture() { std::filesystem::create_directories(home / ".cache"); }
 
+    void emptyHome() const {
+        for (const auto& entry : std::filesystem::directory_iterator(home)) {
+            std::filesystem::remove_all(entry.path());
+        }
+    }
+
     std::string inCache(const std::string& name) const { return home / ".cache" / name; }
 
     std::string write(const std::string& path, const std::string& content) const {

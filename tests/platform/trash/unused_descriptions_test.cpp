@@ -12,6 +12,7 @@
 
 #include "platform/trash/trash_info.h"
 #include "tests/platform/trash/own_mounts.h"
+#include "tests/platform/trash/traced_process.h"
 #include "tests/platform/trash/trash_fixture.h"
 
 namespace tallowcrest {
@@ -143,6 +144,41 @@ TEST_F(UnusedDescriptionsTest, AreLookedForAmongTenThousandEntries) {
     }
     trash.removeUnusedDescriptions(home / ".cache", never);
     EXPECT_THAT(describedNames(), SizeIs(3));
+}
+
+TEST_F(UnusedDescriptionsTest, AreLeftWhenTheirFileComesMeanwhile) {
+    inOwnMounts([&] {
+        mountMemory(home);
+        int stopsOfOneLook = 0;
+        int keptByTheSecondLook = 0;
+        const bool isPossible = atEachStop([&](int at) {
+            emptyHome();
+            fs::create_directory(home / ".cache");
+            describe(homeTrash, "a", inCache("a"));
+            const TracedRun run = runTraced(
+                [&] {
+                    trash.removeUnusedDescriptions(home / ".cache", never);
+                    return 0;
+                },
+                [&](int stop) {
+                    if (stop == at) {
+                        write(homeTrash / "files/a", "late");
+                    }
+                    return true;
+                });
+            if (at == 0) {
+                stopsOfOneLook = run.stops;
+            }
+            // Who sees the file at once does not open its description.
+            const bool isSeenLater = run.stops > stopsOfOneLook;
+            keptByTheSecondLook += isSeenLater && describedNames().count("a.trashinfo") > 0 ? 1 : 0;
+            return run;
+        });
+        if (!isPossible) {
+            GTEST_SKIP() << "this account may not trace its own processes";
+        }
+        EXPECT_GT(keptByTheSecondLook, 2);
+    });
 }
 
 TEST_F(UnusedDescriptionsTest, NoTrashIsMadeToLookForThem) {
