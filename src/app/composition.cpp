@@ -68,10 +68,14 @@ Composition::Composition(MainQueue& mainQueue, SettingsAccess access, DesktopSer
     : workQueue_(host::lowerThreadPriority),
       jobs_(mainQueue, workQueue_),
       ownJobs_(jobs_),
+      settingsTimes_(timesOf(settingsFile())),
       settings_(openSettings(access, jobs_, clock_,
                              [this](const std::string& problem) { reportOutage(problem); })) {
     for (const std::string& problem : settings_.problems) {
         complain(printableText(problem).text);
+    }
+    if (!settings_.problems.empty()) {
+        settingsTimes_.reset();
     }
     const auto publicKey = [] { return localPublicKey(userAccount().homeDirectory); };
     const auto reportFolder =
@@ -138,11 +142,14 @@ void Composition::followWarningThreshold() {
     }
     const std::filesystem::path file = settingsFile();
     const SettingsTimes times = timesOf(file);
-    if (times == std::exchange(settingsTimes_, times)) {
+    if (times == settingsTimes_) {
         return;
     }
-    const OpenedStore now = readSettingsStore(file, {settings_keys::historyKey});
-    // Nothing is stored in a file that cannot be read at this moment either.
+    const OpenedStore now = readStoredKey(file, settings_keys::thresholdKey);
+    // A file that cannot be read at this moment is tried again, even if nobody changes it.
+    if (now.problems.empty()) {
+        settingsTimes_ = times;
+    }
     if (now.store->read(settings_keys::thresholdKey)) {
         const SettingsOwner asAtStart(*now.store, jobs_.mainQueue(), {});
         monitor_->settingsOwner().set(&Settings::warningThreshold,

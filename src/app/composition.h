@@ -90,8 +90,9 @@ private:
     ThreadWorkQueue workQueue_;
     Jobs jobs_;
     JobScope ownJobs_;
+    /// Of the file as it was last read; absent when it could not be read.
+    std::optional<SettingsTimes> settingsTimes_;
     OpenedStore settings_;
-    SettingsTimes settingsTimes_ = {};  ///< when the threshold was last looked for
     int samples_ = 0;
     std::optional<SystemMonitor> monitor_;
 };

@@ -6,7 +6,9 @@
 #include <fstream>
 #include <future>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,6 +20,7 @@
 #include "platform/base/run_loop.h"
 #include "sampling/latest_sample.h"
 #include "tests/app/private_data.h"
+#include "tests/platform/settings/locking_writer.h"
 #include "tests/support/eventually.h"
 #include "tests/support/file_text.h"
 #include "tests/support/manual_clock.h"
@@ -43,6 +46,19 @@ protected:
     void serve() {
         loop.post([this] { loop.stop(0); });
         EXPECT_EQ(loop.run(), 0);
+    }
+
+    void store(double threshold) {
+        const OpenedStore opened = openSettingsStore(file, {jobs, clock, {}});
+        opened.store->write(settings_keys::thresholdKey, threshold);
+    }
+
+    /// The threshold after as many samples as it takes to look for it once.
+    static double followedThreshold(Composition& composition) {
+        for (int samples = 0; samples < 15; ++samples) {
+            composition.followWarningThreshold();
+        }
+        return composition.monitor().settings().warningThreshold;
     }
 
     void writeGarbage() const {
@@ -110,6 +126,45 @@ TEST_F(CompositionTest, ReadOnlyUseStartsANewTimeline) {
     EXPECT_THAT(looking->monitor().sample().history(), IsEmpty());
     EXPECT_EQ(looking->monitor().settings().warningThreshold, 70.0);
     EXPECT_TRUE(looking->shutDown());
+}
+
+TEST_F(CompositionTest, AThresholdThatCannotBeReadIsLookedForAgainInTheUnchangedFile) {
+    store(70.0);
+    const auto composition = start(SettingsAccess::readOnly);
+    const fs::path log = file.string() + "-wal";
+    fs::file_time_type written;
+    {
+        const LockingWriter writer(file, 90.0);
+        written = fs::last_write_time(log);
+        EXPECT_EQ(followedThreshold(*composition), 70.0);
+    }
+    ASSERT_EQ(fs::last_write_time(log), written);
+    EXPECT_EQ(followedThreshold(*composition), 90.0);
+    EXPECT_TRUE(composition->shutDown());
+}
+
+TEST_F(CompositionTest, AStartThatCannotReadTheThresholdIsFollowedByALook) {
+    store(70.0);
+    std::optional<LockingWriter> writer(std::in_place, file, 90.0);
+    CaptureStderr();
+    const auto composition = start(SettingsAccess::readOnly);
+    EXPECT_THAT(GetCapturedStderr(), HasSubstr("locked"));
+    EXPECT_EQ(composition->monitor().settings().warningThreshold, 82.0);
+    writer.reset();
+    EXPECT_EQ(followedThreshold(*composition), 90.0);
+    EXPECT_TRUE(composition->shutDown());
+}
+
+TEST_F(CompositionTest, TheThresholdIsNotReadFromAFileThatIsAsItWasAtTheStart) {
+    store(70.0);
+    const auto composition = start(SettingsAccess::readOnly);
+    const fs::file_time_type written = fs::last_write_time(file);
+    store(90.0);
+    fs::last_write_time(file, written);
+    EXPECT_EQ(followedThreshold(*composition), 70.0);
+    fs::last_write_time(file, written + std::chrono::seconds(1));
+    EXPECT_EQ(followedThreshold(*composition), 90.0);
+    EXPECT_TRUE(composition->shutDown());
 }
 
 TEST_F(CompositionTest, ReadOnlyUseCreatesNoFile) {

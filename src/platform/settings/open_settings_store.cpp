@@ -96,6 +96,26 @@ struct Opening {
         }
     }
 
+    void readAlone(std::string_view key) {
+        std::optional<SettingsValue> value;
+        const Finding finding = SettingsDatabase().readAlone(file, key, value);
+        if (finding.state != FileState::usable) {
+            reportUnusable(finding);
+        } else if (value) {
+            outcome.store->write(key, *value);
+        }
+    }
+
+    /// Whether there is a file to read. A missing one is no problem.
+    bool isThere() {
+        const Finding finding =
+            file.empty() ? Finding{FileState::missing} : settings_file::inspect(file);
+        if (finding.state != FileState::usable && finding.state != FileState::missing) {
+            reportUnusable(finding);
+        }
+        return finding.state == FileState::usable;
+    }
+
     void openIn(const Path& folder, const Dependencies& dependencies) {
         if (file.empty()) {
             return report(problem::noHomeFolder);
@@ -141,12 +161,16 @@ OpenedStore openSettingsStore(const Path& file, const Dependencies& dependencies
 
 OpenedStore readSettingsStore(const Path& file, std::initializer_list<std::string_view> without) {
     Opening opening{.file = settings_file::resolveLink(file), .keysLeftOut = without};
-    const Finding finding =
-        file.empty() ? Finding{FileState::missing} : settings_file::inspect(opening.file);
-    if (finding.state == FileState::usable) {
+    if (opening.isThere()) {
         opening.read();
-    } else if (finding.state != FileState::missing) {
-        opening.reportUnusable(finding);
+    }
+    return std::move(opening.outcome);
+}
+
+OpenedStore readStoredKey(const Path& file, std::string_view key) {
+    Opening opening{settings_file::resolveLink(file)};
+    if (opening.isThere()) {
+        opening.readAlone(key);
     }
     return std::move(opening.outcome);
 }

@@ -37,4 +37,9 @@ OpenedStore openSettingsStore(const std::filesystem::path& file,
 OpenedStore readSettingsStore(const std::filesystem::path& file,
                               std::initializer_list<std::string_view> without = {});
 
+/// The same with the value of `key` alone, of whatever kind it is. Only whether the file is ours is
+/// checked, so that this takes a fraction of a millisecond. A value that cannot be decoded is a
+/// problem; one that was never stored is none. Main thread.
+OpenedStore readStoredKey(const std::filesystem::path& file, std::string_view key);
+
 }  // namespace tallowcrest

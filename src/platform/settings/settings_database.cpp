@@ -205,6 +205,25 @@ Finding SettingsDatabase::openForReading(const Path& file) {
     return readUnchanged(file, [&](Access access) { return check(file, access); });
 }
 
+Finding SettingsDatabase::readAlone(const Path& file, std::string_view key,
+                                    std::optional<SettingsValue>& value) {
+    return readUnchanged(file, [&](Access access) {
+        const Finding finding = identify(file, access);
+        if (finding.state != FileState::usable) {
+            return finding;
+        }
+        int result = prepareSelect();
+        if (result == SQLITE_OK) {
+            result = read(key, value);
+        }
+        if (result == SQLITE_ROW || result == SQLITE_DONE) {
+            const bool isUndecodable = result == SQLITE_ROW && !value;
+            return Finding{isUndecodable ? FileState::damaged : FileState::usable};
+        }
+        return Finding{stateFor(result), connection_.message()};
+    });
+}
+
 Finding SettingsDatabase::identify(const Path& file, Access access) {
     int result = connection_.open(file, access, settingsLockTimeout);
     const auto ask = [&](const char* question) {
@@ -237,15 +256,18 @@ Finding SettingsDatabase::check(const Path& file, Access access) {
     if (result == SQLITE_OK && integrity != "ok") {
         return {FileState::damaged};
     }
-    constexpr const char* select = "SELECT kind, value FROM settings WHERE key = ?1";
     constexpr const char* upsert =
         "INSERT INTO settings (kind, value, key) VALUES (?1, ?2, ?3) "
         "ON CONFLICT (key) DO UPDATE SET kind = ?1, value = ?2";
-    if (result == SQLITE_OK && (result = connection_.prepare(select, select_)) == SQLITE_OK &&
+    if (result == SQLITE_OK && (result = prepareSelect()) == SQLITE_OK &&
         (result = connection_.prepare(upsert, upsert_)) == SQLITE_OK) {
         result = findUnreadableKeys();
     }
     return {stateFor(result), connection_.message()};
+}
+
+int SettingsDatabase::prepareSelect() {
+    return connection_.prepare("SELECT kind, value FROM settings WHERE key = ?1", select_);
 }
 
 int SettingsDatabase::findUnreadableKeys() {

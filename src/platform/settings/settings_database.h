@@ -70,6 +70,10 @@ public:
     /// Checks a file, changes nothing, and creates no file where there is no log to be read, or
     /// none can be created.
     Finding openForReading(const std::filesystem::path& file);
+    /// The value of one key, absent without a row; `damaged` for one that cannot be decoded. Opens
+    /// the file as `openForReading` does, but checks only whether it is ours.
+    Finding readAlone(const std::filesystem::path& file, std::string_view key,
+                      std::optional<SettingsValue>& value);
 
     /// As found on opening: those of our keys whose row cannot be decoded, is too large, or is
     /// of another kind than the key.
@@ -93,6 +97,7 @@ private:
     Finding identify(const std::filesystem::path& file, SqliteConnection::Access access);
     /// Opens a file, checks all of it and prepares the statements.
     Finding check(const std::filesystem::path& file, SqliteConnection::Access access);
+    int prepareSelect();
     int findUnreadableKeys();
 
     SqliteConnection connection_;
