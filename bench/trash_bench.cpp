@@ -45,7 +45,8 @@ void moveCacheFiles(benchmark::State& state) {
             }
         }
         const DiskCleanupPlan plan =
-            buildDiskCleanupPlan(walk, {place, 30.0, 2.0}, clock, [](const SearchProgress&) {}, {});
+            buildDiskCleanupPlan(walk, {place, 30.0, 2.0}, clock, [](const SearchProgress&) {}, {})
+                .review;
         CleanupTally tally(plan.urls.size());
         DiskChanges changes;
         state.ResumeTiming();
