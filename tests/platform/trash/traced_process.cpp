@@ -52,6 +52,7 @@ bool atEachStop(const std::function<TracedRun(int at)>& once) {
         SCOPED_TRACE("at stop " + std::to_string(at));
         const TracedRun run = once(at);
         if (!run.isPossible) {
+            [] { GTEST_SKIP() << "this account may not trace its own processes"; }();
             return false;
         }
         stops = run.stops;

@@ -16,8 +16,8 @@ struct TracedRun {
 TracedRun runTraced(const std::function<int()>& work, const std::function<bool(int stop)>& goesOn);
 
 /// Calls `once`, which runs a process and interferes with it at the stop `at`, for each stop that
-/// the latest of these processes had, until the test has failed. False where a run was not
-/// possible.
+/// the latest of these processes had, until the test has failed. Where a run was not possible it
+/// skips the test and returns false.
 bool atEachStop(const std::function<TracedRun(int at)>& once);
 
 }  // namespace tallowcrest

@@ -7,6 +7,8 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -15,7 +17,10 @@
 #include <gtest/gtest.h>
 
 #include "platform/trash/xdg_trash.h"
+#include "tests/platform/trash/swap_names.h"
+#include "tests/platform/trash/traced_process.h"
 #include "tests/platform/trash/trash_contents.h"
+#include "tests/support/file_text.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/temporary_folder.h"
 
@@ -73,6 +78,51 @@ protected:
         const TrashOutcome outcome = trash.moveToTrash(reviewed(write(path, content)));
         EXPECT_TRUE(outcome.item) << outcome.error;
         return outcome.item.value_or(TrashItem{});
+    }
+
+    /// A file that was moved to the Trash of an empty home.
+    TrashItem trashedAnew() {
+        emptyHome();
+        return trashed(inCache("a/thumb"));
+    }
+
+    /// Puts a file back again and again, each time in a process that `run` runs, while at one of
+    /// its system calls its description and that of another file change their names. `check` gets
+    /// whether the other one is lost.
+    void putBackWithSwappedDescriptions(
+        const std::function<TracedRun(const std::function<int()>& work,
+                                      const std::function<bool(int stop)>& goesOn)>& run,
+        const std::function<void(bool isLost)>& check) {
+        const std::filesystem::path own = homeTrash / "info/thumb.trashinfo";
+        const std::filesystem::path foreign = homeTrash / "info/foreign.trashinfo";
+        std::map<PutBackOutcome::Result, int> results;
+        const bool isTraced = atEachStop([&](int at) {
+            const TrashItem item = trashedAnew();
+            write(foreign, "foreign");
+            const TracedRun ended =
+                run([&] { return static_cast<int>(trash.putBack(item).result); },
+                    [&](int stop) {
+                        if (stop == at) {
+                            swapNames(own, foreign);
+                        }
+                        return true;
+                    });
+            if (!ended.isPossible) {
+                return ended;
+            }
+            const auto result = static_cast<PutBackOutcome::Result>(ended.status);
+            ++results[result];
+            check(fileText(foreign) != "foreign" && fileText(own) != "foreign");
+            EXPECT_EQ(fileText(result == PutBackOutcome::Result::done
+                                   ? item.path
+                                   : (homeTrash / "files/thumb").string()),
+                      "pixels");
+            return ended;
+        });
+        if (isTraced) {
+            EXPECT_GT(results[PutBackOutcome::Result::done], 2);
+            EXPECT_GT(results[PutBackOutcome::Result::gone], 2);
+        }
     }
 
     std::vector<TrashedFile> contents() const { return trashContents(homeTrash); }
