@@ -73,7 +73,7 @@ void Provider::lookForKey() {
             state_.aiInsight = "Enhanced AI recommendations are ready.";
         }
         const bool isWantedWithKey = std::exchange(isWantedWithKey_, false);
-        if (std::exchange(isHeld_, false)) {
+        if (state_.aiBusy && state_.waitsFor == AnalysisWait::search) {
             setIdle();
             requestAIAnalysis();
         } else if (isWantedWithKey && !dependencies_.services.confirmations.pendingConfirmation()) {
@@ -209,7 +209,6 @@ Outcome Provider::requestAIAnalysis() {
         if (!isLookingForKey_) {
             return composeOnDeviceAnalysis(false);
         }
-        isHeld_ = true;
         setBusy(AnalysisWait::search);
         return Outcome::asked();
     }

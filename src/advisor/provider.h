@@ -179,8 +179,7 @@ private:
     std::unique_ptr<Observable> observable_;
     ProviderState state_;
     bool isLookingForKey_ = false;
-    bool isHeld_ = false;           ///< whether an analysis waits for the search
-    bool isWantedWithKey_ = false;  ///< whether one is wanted only if the search finds a key
+    bool isWantedWithKey_ = false;  ///< whether an analysis is wanted if the search finds a key
     /// Whether `aiInsight` is still the one that the program begins with.
     bool isInsightInitial_ = true;
     SecretText openAIKeyInput_;
