@@ -31,11 +31,8 @@ bool StoppableRun::stopOrForget(std::function<void()> forgotten,
     }
     patience_ =
         jobs_.mainQueue().scheduleRepeating(patience, [this, forgotten = std::move(forgotten)] {
-            // Destroys the timer, and with it this function, in an implementation that does not
-            // keep it for the call.
-            const auto call = forgotten;
             forget();
-            call();
+            forgotten();
         });
     return true;
 }

@@ -26,7 +26,8 @@ public:
     virtual void post(Task work) = 0;
 
     /// Runs `work` on the main thread once per `interval`, first after one interval, which is above
-    /// 0. Ticks that were missed while the thread was busy are not made up for. Main thread.
+    /// 0. Ticks that were missed while the thread was busy are not made up for. `work` may destroy
+    /// its own timer, and is kept until it returns. Main thread.
     [[nodiscard]] virtual std::unique_ptr<RepeatingTimer> scheduleRepeating(
         std::chrono::milliseconds interval, std::function<void()> work) = 0;
 };
