@@ -12,8 +12,7 @@
 #include "core/text.h"
 #include "platform/base/core_dumps.h"
 #include "platform/base/environment.h"
-
-extern char** environ;
+#include "platform/tools/spawn_support.h"
 
 namespace tallowcrest {
 namespace {
@@ -48,7 +47,8 @@ EnvironmentKey takeEnvironmentKey() {
     const std::lock_guard guard(environmentLock());
     SecretText key;
     // A variable can be there several times, although the usual functions find only the first.
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+    for (char** entry = spawn_support::environment(); entry != nullptr && *entry != nullptr;
+         ++entry) {
         if (const auto value = valueOfKey(*entry); !value.empty()) {
             forbidCoreDumps();
             if (key.isEmpty()) {

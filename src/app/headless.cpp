@@ -150,7 +150,7 @@ private:
                                     leftOut, leftOut == 1 ? "is" : "are"));
                 }
                 for (const auto& issue : monitor.remote().tailnet.state().tailscaleHealthIssues) {
-                    complain(printableText(issue).text);
+                    complainOf(issue);
                 }
                 const bool isAnswered = monitor.remote().tailnet.state().isAnswered;
                 if (!isAnswered) {
@@ -205,12 +205,12 @@ private:
         disk_.emplace(monitor, task, options_.json,
                       [this](const std::string& text, const std::string& status) {
                           if (text.empty()) {
-                              complain(printableText(status).text);
+                              complainOf(status);
                           }
                           finish(writeToStandardOutput(text) ? EXIT_SUCCESS : EXIT_FAILURE);
                       });
         if (const Outcome outcome = disk_->begin(); !outcome.isAccepted()) {
-            complain(printableText(outcome.message).text);
+            complainOf(outcome.message);
             finish(EXIT_FAILURE);
         }
     }
