@@ -15,18 +15,18 @@ class Observable;
 class ToolRunner;
 struct Services;
 
-/// Whether this program starts when its user logs in. The file that starts it is the state; no
-/// setting mirrors it. Main thread.
+/// Whether this program starts when its user logs in. The file that starts it, which the desktop may
+/// have turned off, is the state; no setting mirrors it. Main thread.
 class LoginItem {
 public:
     struct State {
-        /// Whether the file was there when it was last looked at: at the start, by `lookAgain` and
-        /// after each operation.
+        /// Whether the file was there and not turned off when it was last looked at: at the start,
+        /// by `lookAgain` and after each operation.
         bool isEnabled = false;
         bool isChanging = false;
     };
 
-    /// Looks whether the file is there. The references must outlive the object.
+    /// Looks at the file. The references must outlive the object.
     LoginItem(const Services& services, ToolRunner& tools, InstallPorts ports);
     ~LoginItem();
     LoginItem(const LoginItem&) = delete;
@@ -37,7 +37,7 @@ public:
 
     const State& state() const { return state_; }
 
-    /// Looks in the background whether the file is there: others may have made or removed it.
+    /// Looks at the file in the background: others may have made, changed or removed it.
     void lookAgain();
 
     // Both work in the background, and their message then says what became of it. Ignored while one

@@ -237,6 +237,17 @@ TEST_F(ChatTest, AFailureIsAnsweredOnThisMachineAndRecorded) {
                             "Action: Answered with on-device fallback guidance."));
 }
 
+TEST_F(ChatTest, AnAnswerOfTheServiceIsNoneOfTheQuestionAfterIt) {
+    takeSample();
+    storeKey();
+    fakes.http->willSay("From far away.");
+    ask("target");
+    EXPECT_TRUE(chat().state().isOfService);
+    fakes.http->reply.reset();
+    ask("target");
+    EXPECT_FALSE(chat().state().isOfService);
+}
+
 TEST_F(ChatTest, WithoutASampleItSaysSo) {
     ask("memory");
     EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: memory", noSampleYet));

@@ -11,6 +11,7 @@
 #include "actions/review_target.h"
 #include "advisor/advisor.h"
 #include "advisor/autonomy.h"
+#include "core/confirmation_desk.h"
 #include "core/record_json.h"
 #include "core/settings/settings_owner.h"
 #include "core/settings/stored_lists.h"
@@ -108,6 +109,29 @@ TEST_F(HeadlessAdvisorTest, AnAnalysisIsSentOnlyAsTheSettingsSay) {
     // The switch is about analyses.
     machine.monitor().settingsOwner().set(&Settings::aiRequirePreview, true);
     EXPECT_THAT(answersTo("What is slow?", false), ElementsAre("From far away."));
+}
+
+TEST_F(HeadlessAdvisorTest, AQuestionThatIsNotAboutTheAnalysisStaysUnanswered) {
+    ConfirmationDesk& desk = machine.monitor().confirmations();
+    int answered = 0;
+    const auto other =
+        desk.registerKind("other", {.confirm =
+                                        [&](const ConfirmationRequest&, void*) {
+                                            ++answered;
+                                            return Outcome::done();
+                                        },
+                                    .cancel = [&](const ConfirmationRequest&) { ++answered; }});
+    ConfirmationRequest request;
+    request.kind = "other";
+    desk.requestConfirmation(request);
+    for (const bool mayBeSent : {true, false}) {
+        EXPECT_THAT(answersTo(std::nullopt, mayBeSent),
+                    ElementsAre(StartsWith("On-device analysis: Memory")));
+        EXPECT_EQ(note, "");
+        ASSERT_TRUE(desk.pendingConfirmation());
+        EXPECT_EQ(desk.pendingConfirmation()->kind, "other");
+    }
+    EXPECT_EQ(answered, 0);
 }
 
 TEST_F(HeadlessAdvisorTest, AnAnalysisDuringTheSearchForTheKeyIsSentAsTheSettingsSay) {

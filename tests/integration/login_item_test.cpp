@@ -200,6 +200,10 @@ TEST_F(LoginItemTest, AnEntryThatTheDesktopHasTurnedOffIsOffUntilItIsEnabledAgai
     finish();
     EXPECT_TRUE(login.state().isEnabled);
     EXPECT_EQ(files->files[autostart], autostartEntry("/unpacked/tallowcrest"));
+    files->files[autostart] += "Hidden=true\n";
+    login.lookAgain();
+    finish();
+    EXPECT_FALSE(login.state().isEnabled);
 }
 
 TEST_F(LoginItemTest, AChangeThatBeganMeanwhileIsNotUndoneByALook) {

@@ -282,7 +282,9 @@ TEST_F(ProUpdaterTest, AnImageThatNothingOpensIsNamed) {
     startDownload();
     with.finishWork();
     EXPECT_EQ(updater().alert(), nullptr) << "it is not known yet";
-    updates.toldOpening(false);
+    const auto told = updates.toldOpening.lock();
+    ASSERT_TRUE(told) << "the answer is waited for";
+    (*told)(false);
     EXPECT_THAT(alert().text,
                 HasSubstr("No application opens /tmp/Tallowcrest-Pro-1.2-build42.deb"));
 }

@@ -145,8 +145,9 @@ struct FakeUpdates {
                         if (opens) {
                             told(*opens);
                         }
-                        toldOpening = told;
-                        return std::make_unique<FileOpening>();
+                        auto opening = std::make_unique<Opening>(told);
+                        toldOpening = opening->told;
+                        return opening;
                     },
                 .openAddress =
                     [this](const std::string& url) {
@@ -163,10 +164,18 @@ struct FakeUpdates {
                       .version = "1.1",
                       .build = "41",
                       .imageEnding = ".deb"};
-    std::optional<bool> opens = true;                     ///< absent: it is not known at once
-    std::function<void(bool isOpened)> toldOpening = {};  ///< tells of the latest file
+    std::optional<bool> opens = true;  ///< absent: it is not known at once
+    /// Tells of the latest file; gone when nobody waits for that any more.
+    std::weak_ptr<const std::function<void(bool isOpened)>> toldOpening;
     bool isUnderTest = false;
     std::vector<std::string> opened;
+
+private:
+    struct Opening final : FileOpening {
+        explicit Opening(const std::function<void(bool)>& tell)
+            : told(std::make_shared<const std::function<void(bool)>>(tell)) {}
+        std::shared_ptr<const std::function<void(bool)>> told;
+    };
 };
 
 }  // namespace tallowcrest

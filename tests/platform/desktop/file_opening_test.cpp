@@ -60,11 +60,19 @@ protected:
 };
 
 TEST_F(OpenFile, IsOpenedWhenTheOpenerSaysSo) {
-    opener("echo \"$# $1\" > given\n");
+    const ScopedVariable token("XDG_ACTIVATION_TOKEN", "of this program");
+    // The name in the second field has no space, so the sixth is the session.
+    opener(
+        "read -r pid name state parent group session rest < /proc/$$/stat\n"
+        "echo \"$# $1\" > given\n"
+        "echo \"${XDG_ACTIVATION_TOKEN-none}\" > token\n"
+        "[ $session = $$ ] && echo own > session\n");
     open();
     ASSERT_TRUE(isTold());
     EXPECT_EQ(told, true);
     EXPECT_EQ(folder.read("given"), "1 /tmp/an image é.deb\n");
+    EXPECT_EQ(folder.read("token"), "none\n");
+    EXPECT_EQ(folder.read("session"), "own\n");
 }
 
 TEST_F(OpenFile, IsNotOpenedWhenTheOpenerFails) {
