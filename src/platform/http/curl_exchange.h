@@ -17,7 +17,8 @@ class CurlExchange final : public HttpExchange {
 public:
     struct Options {
         std::size_t longestReply = maximumReplyBytes;
-        /// A file of the authorities to trust instead of those of the system; empty for those.
+        /// A file of the authorities to trust, or a folder where each has the hash of its name;
+        /// empty for those of the system.
         std::string certificateAuthorities = {};
         /// Asked on the thread of each exchange's caller; null for no proxy.
         ProxyVariables (*proxies)() = nullptr;

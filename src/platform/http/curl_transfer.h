@@ -28,7 +28,7 @@ struct CurlTransfer {
     /// 0 for a download that goes on as long as something arrives once a minute.
     std::chrono::milliseconds timeout;
     std::size_t longestReply;            ///< the bytes of its body
-    std::string certificateAuthorities;  ///< a file; empty for those of the system
+    std::string certificateAuthorities;  ///< a file or a folder, see `CurlExchange::Options`
     ProxyVariables proxies;              ///< not used for this machine
     std::optional<CurlDownload> download = {};
 };

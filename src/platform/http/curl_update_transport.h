@@ -13,7 +13,8 @@ namespace tallowcrest {
 class CurlUpdateTransport final : public UpdateTransport {
 public:
     struct Options {
-        /// A file of the authorities to trust instead of those of the system; empty for those.
+        /// A file or a folder of authorities, see `CurlExchange::Options`; empty for those of the
+        /// system.
         std::string certificateAuthorities = {};
         /// Asked on the thread of each request's caller; null for no proxy.
         ProxyVariables (*proxies)() = nullptr;

@@ -36,6 +36,23 @@ TEST_F(CurlExchangeTls, ATrustedCertificateIsAccepted) {
     EXPECT_EQ(provider.line(), "POST /text Bearer sk-test application/json {}");
 }
 
+TEST_F(CurlExchangeTls, AnAuthorityIsFoundInAFolderByTheHashOfItsName) {
+    TestProvider provider(authority_.certificate(allNames));
+    CurlExchange exchange({.certificateAuthorities = authority_.folder()});
+    EXPECT_EQ(failureOf(exchange, provider.at("https://localhost")), std::nullopt);
+    const TestAuthority other;
+    CurlExchange others({.certificateAuthorities = other.folder()});
+    EXPECT_THAT(failureOf(others, provider.at("https://localhost")),
+                Optional(HasSubstr("unable to get local issuer certificate")));
+}
+
+TEST_F(CurlExchangeTls, AFolderWithoutHashesOfNamesMakesNothingTrusted) {
+    TestProvider provider(authority_.certificate(allNames));
+    const TemporaryFolder folder;
+    CurlExchange exchange({.certificateAuthorities = folder.path().string()});
+    EXPECT_NE(failureOf(exchange, provider.at("https://localhost")), std::nullopt);
+}
+
 TEST_F(CurlExchangeTls, OverTheNewerKindOfAddressToo) {
     TestProvider provider(authority_.certificate(allNames), "::1");
     EXPECT_EQ(failureOf(exchange_, provider.at("https://[::1]")), std::nullopt);

@@ -22,6 +22,12 @@ public:
     /// Its own certificate, a file.
     std::string path() const { return folder_.path("ca.pem"); }
 
+    /// A folder in which it has the hash of its name.
+    std::string folder() const {
+        run("mkdir -p hashed && cp ca.pem hashed && openssl rehash hashed");
+        return folder_.path("hashed");
+    }
+
     /// The paths of a certificate for `names` ("DNS:localhost") that expires in `days`, which can
     /// be below 0, and of its key.
     std::pair<std::string, std::string> certificate(const std::string& names, int days = 2) const {
