@@ -28,7 +28,11 @@ protected:
     }
 
     void willInstall(const char* what) {
-        launcher.onLaunch = [this, what](const ToolRequest&) { files->files[what] = ""; };
+        launcher.onLaunch = [this, what](const ToolRequest&) {
+            for (const char* ending : {"", "-desktop", "-http.so"}) {  // macOS has the first alone
+                files->files[std::string(what) + ending] = "";
+            }
+        };
     }
 
     std::string messageOf(InstallPorts ports) {

@@ -248,6 +248,16 @@ TEST_F(InstallIntegration, OnAFullDiskNothingPassesForInstalled) {
     });
 }
 
+TEST_F(InstallIntegration, ADiskThatIsFullAfterTheFirstFileLeavesNoLauncher) {
+    inOwnMounts([this] {
+        write("build/tallowcrest-http.so", std::string(2 << 20, 'x'));
+        mountMemory(folder_.path("home"), "size=1m");
+        EXPECT_THAT(install(), StartsWith("Install did not complete. "));
+        EXPECT_TRUE(fs::exists(target() + "/tallowcrest"));
+        EXPECT_FALSE(fs::exists(folder_.path("home/.local/bin")));
+    });
+}
+
 TEST_F(InstallIntegration, AnAutostartFolderThatIsALinkIsNotWrittenThrough) {
     fs::create_directories(folder_.path("home/.config"));
     fs::create_directories(folder_.path("elsewhere"));

@@ -67,7 +67,9 @@ void Rig::fillDisk() {
         if (request.path == "/usr/bin/du") {
             machine.toolLauncher.willWrite("7\t/tmp\n");
         } else if (request.path == "/usr/bin/rsync") {
-            files->files["/home/owner/.local/opt/tallowcrest/tallowcrest"] = "";
+            for (const char* name : {"tallowcrest", "tallowcrest-desktop", "tallowcrest-http.so"}) {
+                files->files[std::string("/home/owner/.local/opt/tallowcrest/") + name] = "";
+            }
         }
     };
 }
