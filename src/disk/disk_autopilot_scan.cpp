@@ -26,7 +26,8 @@ void DiskAutopilot::beginScan(Purpose purpose) {
     const Settings& settings = dependencies_.services.settings.values();
     const DiskPlaces& places = dependencies_.ports.places;
     scanRequest_ = {cachesPlace(places), policy::clampedAgeDays(settings.diskCleanupAgeDays),
-                    policy::clampedMaxGB(settings.diskMaxCleanupGB), wantedBack_};
+                    policy::clampedMaxGB(settings.diskMaxCleanupGB),
+                    purpose == Purpose::lowSpace ? wantedBack_ : std::vector<FileIdentity>{}};
     state_.scan.emplace();
     observable_->changed();
     scan_.begin().runWithProgress<SearchProgress>(

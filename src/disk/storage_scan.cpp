@@ -194,13 +194,15 @@ void StorageScan::showProgress() {
 }
 
 void StorageScan::finish() {
-    const bool wasStopped = run_.isStopping();
+    const StorageScanProgress progress = measuring_->progress(dependencies_.services.clock.now());
+    const bool wasStopped = run_.isStopping() && progress.areasDone < progress.areas;
     run_.end();
     if (wasStopped) {
         finishStopped();
         return;
     }
     progressTimer_.reset();
+    state_.isStopping = false;
     const auto measuring = std::exchange(measuring_, nullptr);
     state_.diskStorageOffenders = rankedOffenders(measuring->measured(), measuring->used());
     state_.diskStorageScanInProgress = false;

@@ -293,6 +293,21 @@ TEST_F(CleanupUndoTest, AFullPlanThatWasPutBackLeavesRoomForOtherFiles) {
     EXPECT_FALSE(isInPlace("/home/owner/.cache/500"));
 }
 
+TEST_F(CleanupUndoTest, AReviewEndsWithItsOwnPlanAfterAnUndoing) {
+    for (int i = 0; i < 510; ++i) {
+        cacheFile(fmt::format("{:03}", i), 1);
+    }
+    cleanUp();
+    undo();
+    std::ranges::sort(diskPorts.files.all, {}, &FoundFile::path);
+    int visited = 0;
+    diskPorts.walk->visited = [&] { ++visited; };
+    autopilot().reviewDiskCleanup();
+    finishWork();
+    EXPECT_EQ(visited, 499) << "the last one ends the walk";
+    EXPECT_THAT(autopilot().state().diskCleanupPlan->urls, SizeIs(500));
+}
+
 TEST_F(CleanupUndoTest, WhatIsPutBackDuringACheckIsNotTakenByIt) {
     trustAutopilot();
     const std::string a = cacheFile("a", 1);

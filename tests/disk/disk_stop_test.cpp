@@ -13,9 +13,11 @@
 namespace tallowcrest {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 /// The ends of Disk Autopilot's work before its own end.
@@ -115,6 +117,24 @@ TEST_F(DiskStopTest, ACleanUpWhoseMoveHangsIsGivenUp) {
     EXPECT_EQ(autopilot().undoLatestCleanup(), Outcome::asked());
     finishWork();
     EXPECT_EQ(status(), "Put back 1 of 1 file (0.25 GB) from Trash.");
+}
+
+TEST_F(DiskStopTest, ACleanUpThatHasEndedWhenItIsGivenUpIsToldAsItEnded) {
+    reviewThree();
+    confirmations.confirmPending();
+    diskPorts.trash->moving = [this](const std::string& path) {
+        if (path.ends_with("/c")) {
+            autopilot().stopCleanup();
+        }
+    };
+    workQueue.run();
+    mainQueue.fireTimers();
+    mainQueue.drain();
+    EXPECT_FALSE(autopilot().state().cleanup);
+    EXPECT_THAT(diskPorts.trash->moved, SizeIs(3));
+    EXPECT_THAT(lastDetail(), AllOf(HasSubstr("Result: moved 3 old regular cache files"),
+                                    Not(HasSubstr("Stopped")), Not(HasSubstr("did not answer"))));
+    EXPECT_EQ(autopilot().state().undoableFiles, 3U);
 }
 
 TEST_F(DiskStopTest, ACleanUpThatHangsBeforeItsFirstMoveIsGivenUp) {

@@ -264,6 +264,19 @@ TEST_F(StorageScanTest, AStoppedScanShowsWhatItHasWithoutARemainder) {
     EXPECT_EQ(storage().stop(), Outcome::ignored());
 }
 
+TEST_F(StorageScanTest, AStopAfterTheLastAreaIsTooLate) {
+    storage().scanStorageAreas();
+    while (workQueue.pendingCount() > 0) {
+        workQueue.run();
+    }
+    EXPECT_EQ(storage().stop(), Outcome::asked());
+    mainQueue.drain();
+    EXPECT_THAT(rows(), SizeIs(4));
+    EXPECT_FALSE(state().diskStorageScanInProgress);
+    EXPECT_FALSE(state().isStopping);
+    EXPECT_EQ(status(), "Storage scan complete. Largest: two at 0.0 GB.");
+}
+
 TEST_F(StorageScanTest, AStopEndsTheToolsAtOnceAndDoesNotCountTheirAreas) {
     const auto write = remote.launcher.onLaunch;
     remote.launcher.onLaunch = [this, write](const ToolRequest& request) {
