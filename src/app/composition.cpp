@@ -147,14 +147,12 @@ void Composition::followWarningThreshold() {
     }
     const OpenedStore now = readStoredKey(file, settings_keys::thresholdKey);
     // A file that cannot be read at this moment is tried again, even if nobody changes it.
-    if (now.problems.empty()) {
-        settingsTimes_ = times;
+    if (!now.problems.empty()) {
+        return;
     }
-    if (now.store->read(settings_keys::thresholdKey)) {
-        const SettingsOwner asAtStart(*now.store, jobs_.mainQueue(), {});
-        monitor_->settingsOwner().set(&Settings::warningThreshold,
-                                      asAtStart.values().warningThreshold);
-    }
+    settingsTimes_ = times;
+    const SettingsOwner asAtStart(*now.store, jobs_.mainQueue(), {});
+    monitor_->settingsOwner().set(&Settings::warningThreshold, asAtStart.values().warningThreshold);
 }
 
 Composition::~Composition() {

@@ -167,6 +167,19 @@ TEST_F(CompositionTest, TheThresholdIsNotReadFromAFileThatIsAsItWasAtTheStart) {
     EXPECT_TRUE(composition->shutDown());
 }
 
+TEST_F(CompositionTest, AThresholdThatIsGoneIsTheOneOfAStart) {
+    store(70.0);
+    const auto composition = start(SettingsAccess::readOnly);
+    openSettingsStore(file, {jobs, clock, {}})
+        .store->write(settings_keys::thresholdKey, std::nullopt);
+    EXPECT_EQ(followedThreshold(*composition), 82.0);
+    store(90.0);
+    EXPECT_EQ(followedThreshold(*composition), 90.0);
+    fs::remove_all(file.parent_path());
+    EXPECT_EQ(followedThreshold(*composition), 82.0);
+    EXPECT_TRUE(composition->shutDown());
+}
+
 TEST_F(CompositionTest, ReadOnlyUseCreatesNoFile) {
     const auto composition = start(SettingsAccess::readOnly);
     composition->monitor().log().recordMessage("Not kept.");
