@@ -11,13 +11,13 @@
 #include "integration/integration.h"
 #include "monitor/system_monitor.h"
 #include "presentation/screens/shared/command_button.h"
+#include "presentation/state/status_line.h"
 #include "presentation/state/window_state.h"
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/card.h"
 #include "presentation/widgets/elided_label.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
-#include "presentation/words/dashboard_text.h"
 #include "presentation/words/setup_lines.h"
 
 using namespace Qt::StringLiterals;
@@ -118,7 +118,8 @@ QWidget* SetupWizard::makeFoot() {
 
 std::vector<Observable*> SetupWizard::shows(SystemMonitor& monitor, WindowState& state) {
     return {&state.navigation.observable(), &monitor.settingsOwner().observable(),
-            &monitor.log().observable(), &monitor.integration().login.observable()};
+            &monitor.log().observable(), &monitor.integration().login.observable(),
+            &monitor.integration().updates.observable()};
 }
 
 void SetupWizard::showState() {
@@ -126,7 +127,7 @@ void SetupWizard::showState() {
     for (std::size_t i = 0; i < texts_.size(); ++i) {
         texts_[i]->setText(lines[i].text);
     }
-    lastAction_->setText(dashboard_text::text(monitor_.log().lastAction()));
+    lastAction_->setText(statusLine(monitor_));
     setButtonEnabled(*login_, !monitor_.integration().login.state().isChanging);
 }
 

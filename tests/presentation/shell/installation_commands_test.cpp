@@ -32,7 +32,9 @@ protected:
             files->files[name] = "";
         }
         machine.toolLauncher.onLaunch = [this](const ToolRequest&) {
-            files->files["/home/o/.local/opt/tallowcrest/tallowcrest"] = "";
+            for (const char* name : {"tallowcrest", "tallowcrest-desktop", "tallowcrest-http.so"}) {
+                files->files[std::string("/home/o/.local/opt/tallowcrest/") + name] = "";
+            }
         };
         machine.install = {files, linuxInstallPlan(places), linuxLoginPlan(places), {}};
     }
@@ -235,8 +237,12 @@ TEST_F(InstallationCommandsTest, WhatRunsIsToldUntilItHasEnded) {
     finishWork();
     click("settings.check-for-updates");
     EXPECT_EQ(textOf("settings.sheet.last-action"), u"Checking for updates..."_s);
+    window().state().navigation.setShowSetupWizard(true);
+    settle();
+    EXPECT_EQ(textOf("setup.last-action"), u"Checking for updates..."_s);
     finishWork();
     EXPECT_EQ(textOf("settings.sheet.last-action"), textOf("status.last-action"));
+    EXPECT_EQ(textOf("setup.last-action"), textOf("status.last-action"));
 }
 
 TEST_F(InstallationCommandsTest, AnEntryThatOthersRemoveIsSeenWhenTheSettingsOrThePanelOpen) {

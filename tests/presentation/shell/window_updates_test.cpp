@@ -27,6 +27,7 @@
 #include "presentation/shell/confirmation_dialog.h"
 #include "presentation/shell/operation_target_bar.h"
 #include "presentation/shell/settings/settings_sheet.h"
+#include "presentation/shell/setup_wizard.h"
 #include "presentation/shell/status_strip.h"
 #include "presentation/shell/update_bar.h"
 #include "presentation/shell/window_menus.h"
@@ -130,6 +131,7 @@ protected:
                             : qobject_cast<WindowMenus*>(part) != nullptr        ? "menus"
                             : qobject_cast<UpdateBar*>(part) != nullptr          ? "update bar"
                             : qobject_cast<SettingsSheet*>(part) != nullptr      ? "settings"
+                            : qobject_cast<SetupWizard*>(part) != nullptr        ? "setup"
                             : qobject_cast<ConfirmationDialog*>(part) != nullptr ? "question"
                                                                                  : "unknown"];
             });
@@ -239,18 +241,20 @@ TEST_F(WindowUpdatesTest, EachPartFollowsExactlyWhatItShowsOnEveryRoute) {
 
 TEST_F(WindowUpdatesTest, EachOpenSheetFollowsExactlyWhatItShows) {
     using enum Source;
-    const Sources settingsSheet{sample,   log,     settings, rules,  navigation,
-                                provider, install, login,    updates};
     showWithSample();
-    goTo(AppRoute::chat);
     openSettings(SettingsTabKind::automation);
-    expectToFollow({{"page", sourcesOfPage(AppRoute::chat)}, {"settings", settingsSheet}});
+    window().state().navigation.setShowSetupWizard(true);
+    goTo(AppRoute::chat);
+    std::map<std::string, Sources> parts{
+        {"page", sourcesOfPage(AppRoute::chat)},
+        {"setup", {navigation, settings, log, login, updates}},
+        {"settings",
+         {sample, log, settings, rules, navigation, provider, install, login, updates}}};
+    expectToFollow(parts);
     machine.monitor().actions().local.requestPurge();
     settle();
-    expectToFollow(
-        {{"page", sourcesOfPage(AppRoute::chat)},
-         {"settings", settingsSheet},
-         {"question", {desk, sample, settings, log, provider, suggestions, trust, remoteScan}}});
+    parts["question"] = {desk, sample, settings, log, provider, suggestions, trust, remoteScan};
+    expectToFollow(parts);
 }
 
 TEST_F(WindowUpdatesTest, ABurstOfTheLogRefreshesNeitherTheProcessesNorTheTarget) {
