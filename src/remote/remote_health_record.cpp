@@ -79,17 +79,23 @@ RemoteHealth recordOf(const TailDevice& device, std::string address, const Obsta
 
 }  // namespace
 
-std::variant<RemoteTarget, RemoteHealth> remoteTarget(const TailDevice& device,
-                                                      std::string_view sshUsername, Date now,
-                                                      bool isLinux) {
+std::string remoteAddress(const TailDevice& device) {
     if (device.addresses.empty()) {
-        return recordOf(device, std::string(noRemoteAddress),
-                        isLinux ? noAddressOnLinux : noAddress, now, isLinux);
+        return std::string(noRemoteAddress);
     }
     const auto ipv4 = std::ranges::find_if(device.addresses, [](const std::string& address) {
         return address.find(':') == std::string::npos;
     });
-    const std::string& address = ipv4 == device.addresses.end() ? device.addresses.front() : *ipv4;
+    return ipv4 == device.addresses.end() ? device.addresses.front() : *ipv4;
+}
+
+std::variant<RemoteTarget, RemoteHealth> remoteTarget(const TailDevice& device,
+                                                      std::string_view sshUsername, Date now,
+                                                      bool isLinux) {
+    const std::string address = remoteAddress(device);
+    if (device.addresses.empty()) {
+        return recordOf(device, address, isLinux ? noAddressOnLinux : noAddress, now, isLinux);
+    }
     if (!hasPath(device)) {
         return recordOf(device, address, isLinux ? noPathOnLinux : noPath, now, isLinux);
     }

@@ -25,9 +25,12 @@ struct RemoteScanContext {
     bool hasTailnetIssues = false;  ///< the tailnet's client of this machine reports problems
 };
 
-/// The way to a device: its first IPv4 address or, where it has none, its first address. The
-/// finished record when it has no address, the tailnet knows no path to it, or the address is no
-/// valid one. Any thread.
+/// Its first IPv4 address or, where it has none, its first address; `noRemoteAddress` without one.
+/// Any thread.
+std::string remoteAddress(const TailDevice& device);
+
+/// The way to a device by its `remoteAddress`. The finished record when it has no address, the
+/// tailnet knows no path to it, or the address is no valid one. Any thread.
 std::variant<RemoteTarget, RemoteHealth> remoteTarget(const TailDevice& device,
                                                       std::string_view sshUsername, Date now,
                                                       bool isLinux);

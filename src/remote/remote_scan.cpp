@@ -148,7 +148,8 @@ void RemoteScan::performRemoteScan(std::vector<TailDevice> devices) {
                 if (stop.isRequested() || cancel.stop_requested()) {
                     break;
                 }
-                report({results.size() + 1, devices.size(), device.hostName});
+                report(
+                    {results.size() + 1, devices.size(), device.hostName, remoteAddress(device)});
                 RemoteHealth record =
                     sampledMachine(device, running->context.get(), tools, clock, locale, cancel);
                 // What a shell printed that was ended says nothing of the machine.

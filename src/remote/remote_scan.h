@@ -24,6 +24,7 @@ struct RemoteScanProgress {
     std::size_t number = 0;  ///< from 1
     std::size_t count = 0;
     std::string hostName = {};
+    std::string address = {};
 
     bool operator==(const RemoteScanProgress&) const = default;
 };

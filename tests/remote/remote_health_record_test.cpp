@@ -50,6 +50,10 @@ TEST(RemoteTarget, PrefersTheFirstIPv4Address) {
     }
 }
 
+TEST(RemoteTarget, AMachineWithoutAnAddressHasWordsInItsPlace) {
+    EXPECT_EQ(remoteAddress(studio({})), "no address");
+}
+
 TEST(RemoteTarget, WhatCannotBeAskedHasItsRecordAtOnce) {
     const auto record = [](const TailDevice& device, const char* user) {
         const auto way = remoteTarget(device, user, sampledAt, false);

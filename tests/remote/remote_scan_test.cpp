@@ -221,8 +221,8 @@ TEST_F(RemoteScanTest, TellsWhichMachineItAsks) {
     scan.scanRemoteMacs();
     mainQueue.drain();
     finishWork();
-    EXPECT_THAT(told, ElementsAre(std::nullopt, RemoteScanProgress{1, 2, "studio"},
-                                  RemoteScanProgress{2, 2, "attic"}, std::nullopt));
+    EXPECT_THAT(told, ElementsAre(std::nullopt, RemoteScanProgress{1, 2, "studio", "100.1.1.1"},
+                                  RemoteScanProgress{2, 2, "attic", "100.2.2.2"}, std::nullopt));
 }
 
 TEST_F(RemoteScanTest, TwoScansRunByThemselvesAndTheLastToEndLeavesItsResults) {
@@ -238,7 +238,7 @@ TEST_F(RemoteScanTest, TwoScansRunByThemselvesAndTheLastToEndLeavesItsResults) {
     EXPECT_THAT(scan.state().remoteHealth, SizeIs(2));
     machines.launcher.onLaunch = [this](const ToolRequest&) { mainQueue.drain(); };
     workQueue.run();
-    EXPECT_EQ(scan.state().progress, (RemoteScanProgress{1, 1, "studio"}));
+    EXPECT_EQ(scan.state().progress, (RemoteScanProgress{1, 1, "studio", "100.1.1.1"}));
     mainQueue.drain();
     EXPECT_EQ(scan.state().progress, std::nullopt);
     EXPECT_THAT(scan.state().remoteHealth, SizeIs(1));
@@ -271,9 +271,10 @@ TEST_F(RemoteScanTest, AScanThatEndsWhileAnotherRunsLeavesItsProgress) {
     mainQueue.drain();
     // One machine of the first scan, the whole second one, then the other machine of the first.
     EXPECT_THAT(asked(), ElementsAre("owner@100.1.1.1", "owner@100.3.3.3", "owner@100.2.2.2"));
-    EXPECT_THAT(shown,
-                ElementsAre(RemoteScanProgress{1, 2, "studio"}, RemoteScanProgress{1, 1, "cellar"},
-                            RemoteScanProgress{1, 2, "studio"}, RemoteScanProgress{2, 2, "attic"}));
+    EXPECT_THAT(shown, ElementsAre(RemoteScanProgress{1, 2, "studio", "100.1.1.1"},
+                                   RemoteScanProgress{1, 1, "cellar", "100.3.3.3"},
+                                   RemoteScanProgress{1, 2, "studio", "100.1.1.1"},
+                                   RemoteScanProgress{2, 2, "attic", "100.2.2.2"}));
     EXPECT_THAT(inProgress, ElementsAre(true, true, true, true));
     EXPECT_THAT(eachOf(scan.state().remoteHealth, &RemoteHealth::hostName),
                 ElementsAre("studio", "attic"));

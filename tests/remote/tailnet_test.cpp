@@ -84,6 +84,7 @@ TEST_F(TailnetTest, AReadingThatHangsHasFailedAndIsFollowedByAnother) {
     tailnet->beginReading();
     tailnet->publishReading();
     EXPECT_EQ(tailnet->state(), TailnetState());
+    EXPECT_TRUE(tailnet->isUnanswered());
     report("late");
     workQueue.run();
     report("attic");

@@ -88,7 +88,9 @@ using Profiles = std::map<std::string, RemoteProfile>;
 
 RemoteTimelineLine lineOf(const Machine& machine, std::size_t scans, const Profiles& profiles) {
     RemoteTimelineLine line;
-    line.name = dashboard_text::shortText(machine.hostName, longestName);
+    // A point of the history has no address, by which such a machine goes elsewhere.
+    line.name = machine.hostName.empty() ? u"Unnamed machine"_s
+                                         : dashboard_text::shortText(machine.hostName, longestName);
     const auto profile = profiles.find(std::string(machine.hostName));
     if (profile != profiles.end() && !profile->second.nickname.empty() &&
         profile->second.nickname != machine.hostName) {

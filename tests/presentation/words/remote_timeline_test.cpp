@@ -180,5 +180,12 @@ TEST(RemoteTimeline, ANicknameStandsForTheHostName) {
     EXPECT_EQ(timeline.lines[3].name.size(), 65);
 }
 
+TEST(RemoteTimeline, AMachineWithoutANameHasWordsInItsPlace) {
+    EXPECT_THAT(names(remoteTimeline({point(0, "")})), ElementsAre("Unnamed machine"));
+    const RemoteTimeline timeline =
+        remoteTimeline({point(0, "")}, "", {{"", {.id = "", .nickname = "Attic"}}});
+    EXPECT_THAT(names(timeline), ElementsAre("Attic"));
+}
+
 }  // namespace
 }  // namespace tallowcrest

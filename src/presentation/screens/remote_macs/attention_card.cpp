@@ -73,7 +73,6 @@ AttentionCard::Row AttentionCard::makeRow(int number) {
             .show = makeButton(u"Show"_s, QString(), identifier + u".show"_s,
                                u"Goes to this machine below"_s, list_)};
     row.name->setMaximumWidth(widestName);
-    row.what->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     row.what->setLines(1, 2);
     row.show->setFlat(true);
     const auto index = static_cast<std::size_t>(number - 1);

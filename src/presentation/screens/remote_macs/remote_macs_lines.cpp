@@ -143,10 +143,10 @@ QString scanProgress(const RemoteScanState& scan, const RemoteProfile& scanned) 
     if (!scan.progress) {
         return u"Beginning the scan"_s;
     }
-    const auto& [number, all, hostName] = *scan.progress;
-    return u"Scanning %1, %2 of %3"_s.arg(displayName({.hostName = hostName}, scanned),
-                                          count(static_cast<std::int64_t>(number)),
-                                          count(static_cast<std::int64_t>(all)));
+    const auto& [number, all, hostName, address] = *scan.progress;
+    return u"Scanning %1, %2 of %3"_s.arg(
+        displayName({.hostName = hostName, .address = address}, scanned),
+        count(static_cast<std::int64_t>(number)), count(static_cast<std::int64_t>(all)));
 }
 
 QString scanState(const RemoteScanState& scan, const RemoteProfile& scanned, Date now) {

@@ -146,6 +146,8 @@ TEST_F(RemoteMacsLinesTest, TheScanTellsItsMachineOrItsAge) {
     EXPECT_EQ(macs::scanProgress(scan, {}), u"Scanning studio\uFFFDmac, 3 of 12"_s);
     EXPECT_EQ(macs::scanProgress(scan, {.nickname = "Big"}), u"Scanning Big, 3 of 12"_s);
     EXPECT_EQ(macs::scanState(scan, {.nickname = "Big"}, now), u"Scanning Big, 3 of 12"_s);
+    scan.progress = RemoteScanProgress{3, 12, "", "100.1.2.3"};
+    EXPECT_EQ(macs::scanProgress(scan, {}), u"Scanning 100.1.2.3, 3 of 12"_s);
     scan = {};
     scan.remoteHealth = {machine("a", Status::reachable), machine("b", Status::reachable)};
     scan.remoteHealth[1].sampledAt = {now.secondsSinceReference - 600.0};
