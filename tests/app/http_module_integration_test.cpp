@@ -41,6 +41,15 @@ TEST(HttpModule, AsksTheProxyOfTheEnvironment) {
                 testing::StartsWith("0 1 0 Failed to connect to 127.0.0.1 port 1"));
 }
 
+TEST(HttpModule, KeepsGnuTLSFromPreparingItself) {
+    const ProgramResult result = runProgram({.path = user,
+                                             .arguments = {"http://127.0.0.1:1/"},
+                                             .withVariables = {"LD_DEBUG=bindings"}});
+    EXPECT_THAT(result.standardError,
+                testing::ContainsRegex("libgnutls.* to .*/tallowcrest-http.so .*"
+                                       "symbol `_gnutls_global_init_skip'"));
+}
+
 TEST(HttpModule, IsLoadedByTheFirstRequestForAnUpdateToo) {
     const ProgramResult result =
         runProgram({.path = user,
