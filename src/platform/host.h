@@ -78,10 +78,6 @@ LoginPlan loginPlan();
 /// How the names of packages of this program end, ".deb".
 std::string packageEnding();
 
-/// The program that opens a file with what the desktop has for it, and fails when there is nothing.
-/// A name is one that PATH is searched for.
-std::string fileOpener();
-
 /// The address of the feed of updates, for a build that has `built`: where programs are
 /// applications with an information dictionary, the text that this one has there, else `built`.
 /// Empty when there is none.

@@ -12,15 +12,14 @@
 #include <QString>
 #include <QTimer>
 
-#include "platform/base/environment.h"
 #include "platform/desktop/environment_of_others.h"
 #include "platform/desktop_services.h"
-#include "platform/host.h"
 
 namespace tallowcrest::desktop {
 namespace {
 
-/// A run of the system's program that opens files, which tells by its status whether one was.
+/// A run of the program that opens files for any desktop, which tells by its status whether one
+/// was.
 class ProgramOpening final : public FileOpening {
 public:
     ProgramOpening(const std::string& path, std::function<void(bool)> told,
@@ -51,8 +50,7 @@ public:
         process->setProcessEnvironment(environmentOfOthers());
         // What shows the file does not end with this program's terminal.
         process->setChildProcessModifier([] { ::setsid(); });
-        process->start(QString::fromStdString(host::fileOpener()),
-                       {QFile::decodeName(path.c_str())});
+        process->start(QStringLiteral("xdg-open"), {QFile::decodeName(path.c_str())});
     }
 
 private:
@@ -67,14 +65,6 @@ private:
 };
 
 }  // namespace
-
-QProcessEnvironment environmentOfOthers() {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* variable : activationVariables) {
-        environment.remove(QString::fromLatin1(variable));
-    }
-    return environment;
-}
 
 std::unique_ptr<FileOpening> openFile(const std::string& path, std::function<void(bool)> told,
                                       std::chrono::milliseconds patience) {

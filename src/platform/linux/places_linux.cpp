@@ -26,10 +26,6 @@ std::string packageEnding() {
     return ".deb";
 }
 
-std::string fileOpener() {
-    return "xdg-open";
-}
-
 Places places() {
     return {.tailscaleCLI = "/usr/bin/tailscale", .portTest = "nc -vz -w 5"};
 }

@@ -25,10 +25,6 @@ std::string packageEnding() {
     return ".dmg";
 }
 
-std::string fileOpener() {
-    return "/usr/bin/open";
-}
-
 Places places() {
     return {.tailscaleCLI = "/usr/local/bin/tailscale", .portTest = "nc -vz -G 5"};
 }
