@@ -1,7 +1,6 @@
 #include "platform/instance/instance_place.h"
 
 #include <sys/stat.h>
-#include <sys/utsname.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include <utility>
 
 #include "platform/base/environment.h"
+#include "platform/instance/this_machine.h"
 
 namespace tallowcrest {
 namespace {
@@ -63,10 +63,8 @@ std::string digest(std::string_view text) {
 }  // namespace
 
 InstanceEnvironment instanceEnvironment(std::string dataDirectory) {
-    utsname system{};
-    const bool hasName = ::uname(&system) == 0;
-    return {environmentVariable("XDG_RUNTIME_DIR"), std::move(dataDirectory),
-            hasName ? &system.nodename[0] : "", "/run/user/" + std::to_string(::geteuid())};
+    return {environmentVariable("XDG_RUNTIME_DIR"), std::move(dataDirectory), thisMachine(),
+            "/run/user/" + std::to_string(::geteuid())};
 }
 
 InstancePlace instancePlace(const InstanceEnvironment& environment) {
@@ -74,7 +72,7 @@ InstancePlace instancePlace(const InstanceEnvironment& environment) {
     if (const std::string runtime = runtimeDirectory(environment); !runtime.empty()) {
         return {runtime + programFolder, "window-" + digest(data)};
     }
-    return {environment.dataDirectory, "window-" + digest(data + '\n' + environment.machineName)};
+    return {environment.dataDirectory, "window-" + digest(data + '\n' + environment.machine)};
 }
 
 }  // namespace tallowcrest

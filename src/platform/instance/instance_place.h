@@ -8,7 +8,7 @@ namespace tallowcrest {
 struct InstanceEnvironment {
     std::string runtimeDirectory;  ///< XDG_RUNTIME_DIR
     std::string dataDirectory;     ///< the program's own; absolute
-    std::string machineName;
+    std::string machine;           ///< any bytes, as of `thisMachine`
     /// The system's usual runtime directory of this user, for starts without XDG_RUNTIME_DIR.
     std::string usualRuntimeDirectory = {};
 };
@@ -24,7 +24,7 @@ InstanceEnvironment instanceEnvironment(std::string dataDirectory);
 /// that share a home directory do not exclude each other. A start without XDG_RUNTIME_DIR (from a
 /// timer, or another user's shell) tries the usual runtime directory, to find an instance that was
 /// started with it. Without a runtime directory the files are in the data directory, and because
-/// that may be on a shared home, the name is also derived from the machine's.
+/// that may be on a shared home, the name is also derived from the machine.
 struct InstancePlace {
     std::string directory;  ///< absolute; need not exist yet. Empty when there is none
     std::string name;

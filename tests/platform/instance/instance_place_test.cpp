@@ -14,6 +14,7 @@ namespace tallowcrest {
 namespace {
 
 using testing::EndsWith;
+using namespace std::string_literals;
 
 class InstancePlaceTest : public testing::Test {
 protected:
@@ -27,7 +28,7 @@ TEST_F(InstancePlaceTest, IsInTheRuntimeDirectoryAndNamedAfterTheDataDirectory) 
     const InstancePlace one = instancePlace(environment);
     EXPECT_EQ(one.directory, runtime + "/tallowcrest");
     // Another machine has another runtime directory, so the name need not differ.
-    environment.machineName = "there";
+    environment.machine = "there";
     EXPECT_EQ(instancePlace(environment).name, one.name);
     environment.dataDirectory = folder.path("other");
     EXPECT_NE(instancePlace(environment).name, one.name);
@@ -46,6 +47,18 @@ TEST_F(InstancePlaceTest, IsInTheDataDirectoryWithoutAnOwnRuntimeDirectory) {
         EXPECT_NE(here.name, instancePlace({runtime, "/data", "there"}).name);
     }
     EXPECT_EQ(instancePlace({"", "", "here"}).directory, "");
+}
+
+TEST_F(InstancePlaceTest, TellsMachinesApartByEachByteOfTheirIdentity) {
+    const std::string name = instancePlace({"", "/data", "\0\xFE\1"s}).name;
+    EXPECT_EQ(instancePlace({"", "/data", "\0\xFE\1"s}).name, name);
+    EXPECT_NE(instancePlace({"", "/data", "\0\xFE\2"s}).name, name);
+}
+
+TEST_F(InstancePlaceTest, KnowsThisMachineAgain) {
+    const InstanceEnvironment environment = instanceEnvironment("/data");
+    EXPECT_NE(environment.machine, "");
+    EXPECT_EQ(instanceEnvironment("/data").machine, environment.machine);
 }
 
 TEST_F(InstancePlaceTest, UsesTheUsualRuntimeDirectoryOnlyIfItIsPrivate) {
