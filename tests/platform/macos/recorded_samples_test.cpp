@@ -19,6 +19,7 @@ namespace tallowcrest {
 namespace {
 
 using nlohmann::json;
+using ::testing::AllOf;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -36,6 +37,9 @@ struct Recording {
     std::string pressureText;
     /// Each "pid cpu memoryPercent rssMB command", in the order of the snapshot.
     std::vector<std::string> rows = {};
+    /// Each "name processes cpu MB topPID protected", in the order of the ranking.
+    std::vector<std::string> apps = {};
+    std::string card = "Info This Mac looks healthy";
     std::vector<std::string> killed = {};
 };
 
@@ -55,7 +59,9 @@ Recording pagesOf4096() {
                      "402 12.7 1.9 311.46875 /System/Library/PrivateFrameworks/"
                      "SkyLight.framework/Resources/WindowServer",
                      "318 3.1 0.3 50.015625 /usr/libexec/logd", "1 0.4 0.1 18 /sbin/launchd",
-                     "9107 0 0 2.3125 -zsh"}};
+                     "9107 0 0 2.3125 -zsh"},
+            .apps = {"Paint 1 143.2 723.75 611 0", "WindowServer 1 12.7 311.46875 402 1",
+                     "logd 1 3.1 50.015625 318 1"}};
 }
 
 /// Of 1,048,576 pages of 16,384 bytes 229,376 are.
@@ -70,6 +76,7 @@ Recording pagesOf16384() {
         "Photo Studio Pro",
         "734 0 0.1 20 /Applications/Photo Studio Pro.app/Contents/Frameworks/"
         "Render  Helper (GPU).app/Contents/MacOS/Render  Helper (GPU)"};
+    recording.apps = {"Photo Studio Pro 1 1.5 364 733 0"};
     return recording;
 }
 
@@ -80,6 +87,7 @@ Recording germanCommas() {
         "  318   3,1  0,3  51216 /usr/libexec/logd\n"
         "  611 143,2  4,4 741120 /Applications/Paint.app/Contents/MacOS/Paint\n";
     recording.rows = {};
+    recording.apps = {};
     return recording;
 }
 
@@ -90,6 +98,7 @@ Recording truncated() {
     recording.vmStat = readFixture("vm_stat/cut_at_the_deadline.txt");
     recording.memory = "16 15.25 0.75 0 0 12.5";
     recording.rows = {"20 2.5 0.5 4 /usr/sbin/whole"};
+    recording.apps = {"whole 1 2.5 4 20 0"};
     return recording;
 }
 
@@ -102,6 +111,8 @@ Recording killed() {
     recording.memory = "0 0 0.1875 0.25 0.125 100";
     recording.pressureText = "Memory pressure unavailable";
     recording.rows = {"20 2.5 0.5 4 /usr/sbin/whole"};
+    recording.apps = {"whole 1 2.5 4 20 0"};
+    recording.card = "Urgent Memory pressure is high";
     recording.killed = {"ps", "sysctl", "vm_stat", "memory_pressure"};
     return recording;
 }
@@ -151,6 +162,28 @@ std::vector<std::string> rowsOf(const json& sample) {
     return rows;
 }
 
+std::vector<std::string> appsOf(const json& sample) {
+    std::vector<std::string> apps;
+    for (const json& app : sample.at("appImpacts")) {
+        apps.push_back(
+            fmt::format("{} {} {:g} {:.10g} {} {}", app.at("name").get<std::string>(),
+                        app.at("processCount").get<int>(), app.at("totalCPU").get<double>(),
+                        app.at("totalMemoryMB").get<double>(), app.at("topPID").get<int>(),
+                        app.at("protectedCount").get<int>()));
+    }
+    return apps;
+}
+
+/// Of each "severity title".
+std::vector<std::string> cardsOf(const json& sample) {
+    std::vector<std::string> cards;
+    for (const json& card : sample.at("recommendations")) {
+        cards.push_back(card.at("severity").get<std::string>() + ' ' +
+                        card.at("title").get<std::string>());
+    }
+    return cards;
+}
+
 class RecordedMac : public ::testing::Test {
 protected:
     RecordedTools tools;
@@ -163,6 +196,8 @@ TEST_F(RecordedMac, TwentySamplesHaveTheFiguresWorkedOutByHand) {
     std::vector<std::string> memory;
     std::vector<std::string> pressures;
     std::vector<std::vector<std::string>> rows;
+    std::vector<std::vector<std::string>> apps;
+    std::vector<std::vector<std::string>> cards;
     for (int index = 0; index < count; ++index) {
         const Recording& recording =
             recordings.at(static_cast<std::size_t>(index) % recordings.size());
@@ -170,6 +205,8 @@ TEST_F(RecordedMac, TwentySamplesHaveTheFiguresWorkedOutByHand) {
         memory.push_back(recording.memory);
         pressures.push_back(recording.pressureText);
         rows.push_back(recording.rows);
+        apps.push_back(recording.apps);
+        cards.push_back({recording.card});
     }
     inOwnMounts([&] {
         tools.show();
@@ -179,22 +216,62 @@ TEST_F(RecordedMac, TwentySamplesHaveTheFiguresWorkedOutByHand) {
         std::vector<std::string> seenMemory;
         std::vector<std::string> seenPressures;
         std::vector<std::vector<std::string>> seenRows;
+        std::vector<std::vector<std::string>> seenApps;
+        std::vector<std::vector<std::string>> seenCards;
         std::map<std::string, int> loads;
         for (const json& sample : samples) {
             seenMemory.push_back(memoryOf(sample));
             seenPressures.push_back(sample.at("pressureText"));
             seenRows.push_back(rowsOf(sample));
+            seenApps.push_back(appsOf(sample));
+            seenCards.push_back(cardsOf(sample));
             ++loads[fmt::format("{:.3f}", sample.at("cpuPercent").get<double>())];
             EXPECT_EQ(sample.at("disk"), (json{{"totalGB", 500.0}, {"freeGB", 123.5}}));
         }
         EXPECT_THAT(seenMemory, UnorderedElementsAreArray(memory));
         EXPECT_THAT(seenPressures, UnorderedElementsAreArray(pressures));
         EXPECT_THAT(seenRows, UnorderedElementsAreArray(rows));
+        EXPECT_THAT(seenApps, UnorderedElementsAreArray(apps));
+        EXPECT_THAT(seenCards, UnorderedElementsAreArray(cards));
         // 50 of 200 ticks; 20 of 170 where the counter of the user's ticks has wrapped around.
         EXPECT_EQ(loads, (std::map<std::string, int>{{"25.000", 19}, {"11.765", 1}}));
         EXPECT_THAT(tools.calls(), Each(::testing::AnyOf("ps\t[-axo][pid=,pcpu=,pmem=,rss=,comm=]",
                                                          "sysctl\t[-n][hw.memsize]", "vm_stat\t",
                                                          "memory_pressure\t[-Q]")));
+        EXPECT_THAT(tools.formsOfNumbers(), AllOf(SizeIs(tools.calls().size()), Each("C")));
+    });
+}
+
+TEST_F(RecordedMac, TheTenthSampleOfHighPressureTellsThatItLasts) {
+    constexpr int count = 10;
+    for (int index = 0; index < count; ++index) {
+        recordSample(tools, index, killed());
+    }
+    const json high{
+        {"title", "Memory pressure is high"},
+        {"detail",
+         "Review the biggest memory users before purging caches. Quitting one heavy app "
+         "usually helps more than forcing cache cleanup."},
+        {"severity", "Urgent"},
+        {"relatedPID", 20}};
+    const json lasting{{"title", "Memory pressure has stayed elevated"},
+                       {"detail",
+                        "Sustained memory pressure usually points to a browser, Docker, or a "
+                        "development process holding onto RAM."},
+                       {"severity", "Urgent"},
+                       {"relatedPID", 20}};
+    inOwnMounts([&] {
+        tools.show();
+        auto samples = samplesOf({"--samples", std::to_string(count), "--interval", "0.2"});
+        ASSERT_THAT(samples, SizeIs(count));
+        for (json& sample : samples) {
+            for (json& card : sample.at("recommendations")) {
+                card.erase("id");
+            }
+            const bool isLast = &sample == &samples.back();
+            EXPECT_EQ(sample.at("recommendations"),
+                      isLast ? json::array({lasting, high}) : json::array({high}));
+        }
     });
 }
 

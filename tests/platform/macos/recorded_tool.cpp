@@ -2,7 +2,7 @@
 // "recordings" beside it has the file "INDEX.NAME" for each call of a tool, from 0. Where there is
 // none, it prints nothing. Beside that, "INDEX.NAME.slow" keeps the second half back for a while,
 // "INDEX.NAME.hangs" lets the call wait for its end, and "INDEX.NAME.killed" ends it by a signal.
-// The name and the arguments are added to the file "calls".
+// The name and the arguments are added to the file "calls", the variable LC_NUMERIC to "numbers".
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -41,6 +41,9 @@ int addCall(const fs::path& calls, const std::string& name, char** arguments) {
     if (::write(lock, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
         std::exit(EXIT_FAILURE);
     }
+    const char* numbers = std::getenv("LC_NUMERIC");
+    std::ofstream(calls.parent_path() / "numbers", std::ios::app)
+        << (numbers == nullptr ? "" : numbers) << '\n';
     ::close(lock);
     return before;
 }

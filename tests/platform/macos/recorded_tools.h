@@ -59,6 +59,11 @@ public:
         return linesOf(fileText(folder_.path("tools/recordings/calls")));
     }
 
+    /// The variable LC_NUMERIC of each of these calls.
+    std::vector<std::string> formsOfNumbers() const {
+        return linesOf(fileText(folder_.path("tools/recordings/numbers")));
+    }
+
     std::string home() const { return folder_.path("home"); }
 
 private:
