@@ -56,6 +56,14 @@ std::string removingPercentEncoding(std::string_view path) {
     return decoded;
 }
 
+/// Whether it has none of the characters that XML has no form for: control characters, and what is
+/// no character of Unicode.
+bool fitsIntoXML(std::string_view text) {
+    return std::ranges::none_of(text, [](char c) { return c >= 0 && c < ' '; }) &&
+           text.find("\xEF\xBF\xBE") == std::string_view::npos &&
+           text.find("\xEF\xBF\xBF") == std::string_view::npos;
+}
+
 }  // namespace
 
 InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places) {
@@ -123,8 +131,7 @@ LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {
         return {};
     }
     std::string running = removingPercentEncoding(bundlePath);
-    // No property list can hold one.
-    if (std::ranges::any_of(running, [](char c) { return c >= 0 && c < ' '; })) {
+    if (!fitsIntoXML(running)) {
         running.clear();
     }
     const std::string folder = home + "/Library/LaunchAgents";

@@ -62,7 +62,7 @@ LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places);
 std::string bundlePathOf(std::string_view executable);
 
 /// `bundlePath` as above. An encoding that is not valid, or stands for a NUL, makes `bundle` and
-/// `running` empty; one of another control character makes `running` empty.
+/// `running` empty; one of another character that XML has no form for makes `running` empty.
 InstallPlan macOSInstallPlan(std::string_view bundlePath);
 LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home);
 

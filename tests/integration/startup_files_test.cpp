@@ -78,9 +78,11 @@ TEST(InstallPlan, RemovesThePercentEncodingOfABundlesPath) {
         EXPECT_EQ(macOSInstallPlan(invalid).bundle, "") << invalid;
         EXPECT_EQ(macOSLoginPlan(invalid, "/Users/o").running, "") << invalid;
     }
-    for (const char* control : {"/My%0AApps/T.app", "/My%01Apps/T.app", "/T.app%1F"}) {
-        EXPECT_EQ(macOSLoginPlan(control, "/Users/o").running, "") << control;
+    for (const char* refused : {"/My%0AApps/T.app", "/My%01Apps/T.app", "/T.app%1F",
+                                "/My%EF%BF%BEApps/T.app", "/T.app%EF%BF%BF"}) {
+        EXPECT_EQ(macOSLoginPlan(refused, "/Users/o").running, "") << refused;
     }
+    EXPECT_EQ(macOSLoginPlan("/%EF%BF%BD.app", "/Users/o").running, "/\uFFFD.app");
     EXPECT_EQ(macOSLoginPlan("/My%20Apps/T.app/", "/Users/o").running, "/My Apps/T.app");
     EXPECT_EQ(macOSLoginPlan("/%C3%84pps/T.app", "/Users/o").running, "/Äpps/T.app");
 }
