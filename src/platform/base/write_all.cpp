@@ -1,5 +1,6 @@
 #include "platform/base/write_all.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -22,6 +23,12 @@ int writeAll(int file, std::string_view text) {
 }
 
 int syncFile(int file) {
+#ifdef F_FULLFSYNC
+    // Where it exists, fsync leaves the data in the disk's own memory; some file systems refuse it.
+    if (::fcntl(file, F_FULLFSYNC) == 0) {
+        return 0;
+    }
+#endif
     return ::fsync(file) == 0 || errno == EINVAL ? 0 : errno;
 }
 
