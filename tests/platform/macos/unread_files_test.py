@@ -1,0 +1,65 @@
+"""Tests of what scripts/macos-check says of files that no compiler on this system reads.
+
+    unread_files_test.py PROJECT
+"""
+
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+
+class UnreadFiles(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.copy = pathlib.Path(folder.name)
+        (self.copy / "scripts").mkdir()
+        shutil.copy(PROJECT / "scripts/macos-check", self.copy / "scripts")
+        shutil.copy(PROJECT / "CMakeLists.txt", self.copy)
+        shutil.copytree(PROJECT / "src", self.copy / "src", ignore=shutil.ignore_patterns("*.cpp"))
+        self.folder = self.copy / "src/platform/desktop"
+        self.file = self.folder / "desktop_services_macos.mm"
+
+    def complaint(self):
+        result = subprocess.run([self.copy / "scripts/macos-check", "unread"],
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                                check=False)
+        self.assertEqual((result.returncode, result.stdout), (1 if result.stderr else 0, ""))
+        return result.stderr
+
+    def add(self, text):
+        self.file.write_text(text + self.file.read_text(encoding="utf-8"), encoding="utf-8")
+
+    def test_those_of_this_system(self):
+        self.assertEqual(self.complaint(), "")
+
+    def test_each_line_that_nothing_here_follows(self):
+        text = self.file.read_text(encoding="utf-8")
+        for line, complaint in (
+                ("#include <sys/epoll.h>", "includes <sys/epoll.h>, which is not among those"),
+                (" # import  <Cocoa/Cocoa.h>", "includes <Cocoa/Cocoa.h>, which is not"),
+                ('#include "platform/gone.h"', 'includes "platform/gone.h", which is not there'),
+                ("@import AppKit;", "has an @import")):
+            with self.subTest(line):
+                self.file.write_text(f"{line}\n{text}", encoding="utf-8")
+                self.assertIn(f"{self.file.name} {complaint}", self.complaint())
+
+    def test_more_lines_than_people_can_check(self):
+        lines = sum(len(file.read_text(encoding="utf-8").splitlines())
+                    for file in (self.copy / "src").rglob("*.mm"))
+        self.add("\n" * (500 - lines))
+        self.assertEqual(self.complaint(), "")
+        self.add("\n")
+        self.assertIn("501 lines of Objective-C++", self.complaint())
+
+    def test_a_file_that_the_build_does_not_name(self):
+        (self.folder / "other.mm").write_text("")
+        self.assertIn("other.mm is not named in its CMakeLists.txt", self.complaint())
+
+
+if __name__ == "__main__":
+    PROJECT = pathlib.Path(sys.argv.pop())
+    unittest.main()
