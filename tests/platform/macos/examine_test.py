@@ -22,18 +22,20 @@ def command(kind, *numbers, text=""):
 
 def program(processor=0x0100000C, kind=2, flags=0x200085, version=14 << 16, system=1,
             libraries=(SYSTEM, DATABASE), undefined=(("_read", 1), ("_sqlite3_open", 2)),
-            search_path="", places=""):
+            defined=("_main",), search_path="", places=""):
     """The bytes of a program with these properties."""
     commands = [command(0x32, system, version, 0, 0)]
     commands += [command(0xC, 24, 0, 0, 0, text=library) for library in libraries]
     commands += [command(0x8000001C, 12, text=search_path)] if search_path else []
     size = sum(map(len, commands)) + len(command(2, 0, 0, 0, 0))
     texts, entries = b"\0", b""
-    for name, library in undefined:
-        entries += struct.pack("<IBBHQ", len(texts), 1, 0, library << 8, 0)
+    for name, kind_of_symbol, library in ([(name, 0x01, library) for name, library in undefined] +
+                                          [(name, 0x0F, 0) for name in defined]):
+        entries += struct.pack("<IBBHQ", len(texts), kind_of_symbol, 0, library << 8, 0)
         texts += name.encode() + b"\0"
     start = 32 + size
-    commands.append(command(2, start, len(undefined), start + len(entries), len(texts)))
+    commands.append(command(2, start, len(undefined) + len(defined), start + len(entries),
+                            len(texts)))
     header = struct.pack("<8I", 0xFEEDFACF, processor, 0, kind, len(commands), size, flags, 0)
     return header + b"".join(commands) + entries + texts + places.encode() + b"\0"
 
@@ -77,6 +79,40 @@ class Examine(unittest.TestCase):
                 (b"\x7fELF" + b"\0" * 60, "not a program of macOS with 64 bits")):
             with self.subTest(complaint):
                 self.assertEqual(self.complaints(data), [complaint])
+
+    def test_objects_that_take_what_none_defines(self):
+        function, of_class = "__ZN11tallowcrest4host1fEv", "__ZNK11tallowcrest3Own1gEv"
+        user = (function, of_class, "__ZTVN11tallowcrest4PageE", "__ZN3Own1gEv", "_read")
+        of_qt = ("__ZN11tallowcrest4Page16staticMetaObjectE", "__ZN11tallowcrest4Page7clickedEv",
+                 "__ZNK11tallowcrest4Page10metaObjectEv")
+        for defined, missing in (
+                ((function, of_class), []), ((function,), [of_class]), ((of_class,), [function])):
+            with self.subTest(missing):
+                self.assertEqual(self.missing(user, defined), missing)
+        self.assertEqual(self.missing(of_qt, ("_main",)), [])
+        self.assertEqual(self.missing(of_qt[1:], ("_main",)), sorted(of_qt[1:]))
+        self.assertEqual(self.missing((of_qt[0], "__ZN11tallowcrest5Page27clickedEv"), ()),
+                         ["__ZN11tallowcrest5Page27clickedEv"])
+
+    def test_no_object(self):
+        with tempfile.TemporaryDirectory() as name:
+            result = subprocess.run([SCRIPT, "--objects", name], stderr=subprocess.PIPE, text=True,
+                                    check=False)
+        self.assertEqual((result.returncode, result.stderr), (1, f"{name}: no object file\n"))
+
+    def missing(self, taken, defined):
+        """What is missed of two object files in two folders."""
+        with tempfile.TemporaryDirectory() as name:
+            folders = [pathlib.Path(name, one) for one in ("layers", "window")]
+            for folder, data in zip(folders, (
+                    program(kind=1, undefined=(), defined=defined),
+                    program(kind=1, undefined=[(one, 0) for one in taken], defined=()))):
+                (folder / "deeper").mkdir(parents=True)
+                (folder / "deeper" / "one.cpp.o").write_bytes(data)
+            result = subprocess.run([SCRIPT, "--objects", *folders], stderr=subprocess.PIPE,
+                                    text=True, check=False)
+        self.assertEqual(result.returncode, 1 if result.stderr else 0)
+        return [line.split(": ", 1)[0] for line in result.stderr.splitlines()]
 
 
 if __name__ == "__main__":
