@@ -185,8 +185,9 @@ HttpReply transferred(const CurlTransfer& transfer, const std::stop_token& stop)
     set(CURLOPT_PROXY_SSL_VERIFYHOST, 2L);
     set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     const bool areOfSystem = transfer.certificateAuthorities.empty();
-    const char* const authorities = areOfSystem ? curl_version_info(CURLVERSION_NOW)->capath
-                                                : transfer.certificateAuthorities.c_str();
+    const curl_version_info_data& library = *curl_version_info(CURLVERSION_NOW);
+    const char* const authorities =
+        areOfSystem ? library.capath : transfer.certificateAuthorities.c_str();
     // Reading the file of all authorities takes 20 ms and 1 MB.
     const bool isLookUp = authorities != nullptr && hasHashedNames(authorities);
     if (isLookUp || !areOfSystem) {
@@ -217,7 +218,12 @@ HttpReply transferred(const CurlTransfer& transfer, const std::stop_token& stop)
         return failure(curl_easy_strerror(refused));
     }
 
-    const CURLcode result = perform(easy.get(), stop);
+    CURLcode result = perform(easy.get(), stop);
+    if (result == CURLE_PEER_FAILED_VERIFICATION && areOfSystem && isLookUp) {
+        // The file can have authorities that the folder lacks. Nothing of the request was sent yet.
+        set(CURLOPT_CAINFO, library.cainfo);
+        result = perform(easy.get(), stop);
+    }
     if (arriving.refusal != CURLE_OK) {
         return failure(curl_easy_strerror(arriving.refusal));
     }

@@ -6,6 +6,7 @@
 #include "platform/base/environment.h"
 #include "platform/http/curl_exchange.h"
 #include "tests/platform/http/test_provider.h"
+#include "tests/platform/trash/own_mounts.h"
 #include "tests/support/scoped_variable.h"
 
 namespace tallowcrest {
@@ -51,6 +52,25 @@ TEST_F(CurlExchangeTls, AFolderWithoutHashesOfNamesMakesNothingTrusted) {
     const TemporaryFolder folder;
     CurlExchange exchange({.certificateAuthorities = folder.path().string()});
     EXPECT_NE(failureOf(exchange, provider.at("https://localhost")), std::nullopt);
+}
+
+TEST_F(CurlExchangeTls, TheAuthoritiesOfTheSystemAreThoseOfItsFolderAndOfItsFile) {
+    TestProvider provider(authority_.certificate(allNames));
+    inOwnMounts([&] {
+        const TestAuthority other;
+        const auto failureWith = [&](const TestAuthority& ofFolder, const TestAuthority& ofFile) {
+            const std::string folder = ofFolder.folder();
+            std::filesystem::copy_file(ofFile.path(), folder + "/ca-certificates.crt",
+                                       std::filesystem::copy_options::overwrite_existing);
+            mountBind(folder, "/etc/ssl/certs");
+            CurlExchange asShipped({});
+            return failureOf(asShipped, provider.at("https://localhost"));
+        };
+        EXPECT_EQ(failureWith(authority_, other), std::nullopt);
+        EXPECT_EQ(failureWith(other, authority_), std::nullopt);
+        EXPECT_THAT(failureWith(other, other),
+                    Optional(HasSubstr("unable to get local issuer certificate")));
+    });
 }
 
 TEST_F(CurlExchangeTls, OverTheNewerKindOfAddressToo) {
