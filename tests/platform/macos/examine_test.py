@@ -91,8 +91,10 @@ class Examine(unittest.TestCase):
                 self.assertEqual(self.missing(user, defined), missing)
         self.assertEqual(self.missing(of_qt, ("_main",)), [])
         self.assertEqual(self.missing(of_qt[1:], ("_main",)), sorted(of_qt[1:]))
-        self.assertEqual(self.missing((of_qt[0], "__ZN11tallowcrest5Page27clickedEv"), ()),
-                         ["__ZN11tallowcrest5Page27clickedEv"])
+        for other in ("__ZN11tallowcrest5Page27clickedEv", "__ZN11tallowcrest4PageC1EP7QWidget",
+                      "__ZN11tallowcrest4PageD2Ev", "__ZNK11tallowcrest4Page5titleEv"):
+            with self.subTest(other):
+                self.assertEqual(self.missing((*of_qt, other), ()), [other])
 
     def test_no_object(self):
         with tempfile.TemporaryDirectory() as name:
