@@ -56,8 +56,7 @@ std::string removingPercentEncoding(std::string_view path) {
     return decoded;
 }
 
-/// Whether it has none of the characters that XML has no form for: control characters, and what is
-/// no character of Unicode.
+/// Whether it has no control character, U+FFFE or U+FFFF. XML has no form for most of them.
 bool fitsIntoXML(std::string_view text) {
     return std::ranges::none_of(text, [](char c) { return c >= 0 && c < ' '; }) &&
            text.find("\xEF\xBF\xBE") == std::string_view::npos &&

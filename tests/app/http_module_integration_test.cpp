@@ -45,6 +45,9 @@ TEST(HttpModule, KeepsGnuTLSFromPreparingItself) {
     const ProgramResult result = runProgram({.path = user,
                                              .arguments = {"http://127.0.0.1:1/"},
                                              .withVariables = {"LD_DEBUG=bindings"}});
+    if (result.standardError.find("libgnutls") == std::string::npos) {
+        GTEST_SKIP() << "libcurl does not bring it here";
+    }
     EXPECT_THAT(result.standardError,
                 testing::ContainsRegex("libgnutls.* to .*/tallowcrest-http.so .*"
                                        "symbol `_gnutls_global_init_skip'"));
