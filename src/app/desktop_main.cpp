@@ -23,6 +23,7 @@
 #include "app/http_module.h"
 #include "app/options.h"
 #include "core/settings/settings.h"
+#include "platform/base/allocator.h"
 #include "platform/base/descriptor_setup.h"
 #include "platform/base/environment.h"
 #include "platform/base/termination_signals.h"
@@ -233,6 +234,7 @@ int runWindow(QApplication& application, std::optional<InstanceGuard>& guard, bo
 
 int main(int argc, char** argv) {
     using namespace tallowcrest;
+    useOneArena();
     occupyStandardDescriptors();
     // The window's key is in the keyring, and programs that it starts must not get this one.
     takeEnvironmentKey();
