@@ -24,7 +24,8 @@ add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
 set(CMAKE_SKIP_RPATH ON)
 # What Debian builds its own packages with.
 add_compile_options(-fstack-protector-strong -D_FORTIFY_SOURCE=2)
-add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,--as-needed)
+# The relocations of tables of functions take 0.3 MB otherwise.
+add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,pack-relative-relocs -Wl,--as-needed)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/package_time.cmake)
