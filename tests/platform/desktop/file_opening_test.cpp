@@ -37,7 +37,11 @@ protected:
     }
     bool endsWhenAsked() const {
         std::ofstream(folder.path("end")) << '\n';
-        return turnUntil([&] { return std::filesystem::exists(folder.path("ended")); });
+        // Its object remains until it has been waited for.
+        return turnUntil([&] {
+            return std::filesystem::exists(folder.path("ended")) &&
+                   fileText("/proc/thread-self/children").empty();
+        });
     }
 
     void open(std::chrono::milliseconds patience = 1h) {

@@ -84,13 +84,13 @@ TEST_F(ProcfsIntegrationTest, ListsTheProcessesThatPSLists) {
         for (const auto& row : rows) {
             pids.insert(row.pid);
         }
-        EXPECT_EQ(pids, before);
         EXPECT_TRUE(std::is_sorted(
             rows.begin(), rows.end(),
             [](const auto& first, const auto& second) { return first.pid < second.pid; }));
-        return true;
+        // One can also have come and gone in between.
+        return pids == before;
     });
-    EXPECT_TRUE(compared) << "the set of processes changed all the time";
+    EXPECT_TRUE(compared) << "the sets differed, or changed all the time";
 }
 
 TEST_F(ProcfsIntegrationTest, AgreesWithPSOnEveryFieldOfASleepingChild) {
