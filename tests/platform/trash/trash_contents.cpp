@@ -60,7 +60,8 @@ std::vector<TrashedFile> trashContents(const fs::path& trash) {
     for (const fs::path& path : entriesOf(trash / "files")) {
         TrashedFile& file = files[path.filename()];
         file.isThere = true;
-        file.content = fs::is_regular_file(fs::symlink_status(path)) ? fileText(path) : "";
+        file.isRegular = fs::is_regular_file(fs::symlink_status(path));
+        file.content = file.isRegular ? fileText(path) : "";
     }
     for (const fs::path& path : entriesOf(trash / "info")) {
         readInfo(fileText(path), files[path.stem()]);

@@ -12,7 +12,8 @@ struct TrashedFile {
     std::string restorePath;   ///< decoded; empty without a readable `.trashinfo`
     std::string deletionDate;  ///< empty without a readable `.trashinfo`
     bool isThere = false;      ///< whether `files` has the file
-    std::string content;       ///< of a regular file
+    bool isRegular = false;
+    std::string content;  ///< of a regular file
 };
 
 /// The entries of `files` and of `info`, by their names. Empty when there is no such folder.

@@ -26,8 +26,9 @@ namespace fs = std::filesystem;
 class TellingTrash final : public Trash {
 public:
     using Completed = std::function<void(const TrashRequest&, const TrashOutcome&)>;
-    TellingTrash(Trash& trash, Completed completed)
-        : trash_(trash), completed_(std::move(completed)) {}
+    using PutBack = std::function<void(const TrashItem&, const PutBackOutcome&)>;
+    TellingTrash(Trash& trash, Completed completed, PutBack putBack)
+        : trash_(trash), completed_(std::move(completed)), putBack_(std::move(putBack)) {}
 
     TrashOutcome moveToTrash(const TrashRequest& request) override {
         return prepareMove(request)->complete(request.maximumBytes);
@@ -35,7 +36,11 @@ public:
     std::unique_ptr<PreparedMove> prepareMove(const TrashRequest& request) override {
         return std::make_unique<Move>(*this, request);
     }
-    PutBackOutcome putBack(const TrashItem& item) override { return trash_.putBack(item); }
+    PutBackOutcome putBack(const TrashItem& item) override {
+        PutBackOutcome outcome = trash_.putBack(item);
+        putBack_(item, outcome);
+        return outcome;
+    }
     void removeUnusedDescriptions(const std::string& inside,
                                   const std::function<bool()>& isStopped) override {
         trash_.removeUnusedDescriptions(inside, isStopped);
@@ -57,7 +62,13 @@ private:
 
     Trash& trash_;
     Completed completed_;
+    PutBack putBack_;
 };
+
+/// Whether something else than the reviewed file was moved, could not go back, and was told of.
+bool isStranded(const TrashOutcome& outcome) {
+    return outcome.error.find("in the Trash") != std::string::npos;
+}
 
 /// What one clean-up says that it did.
 struct CleanUp {
@@ -66,6 +77,8 @@ struct CleanUp {
     std::vector<std::string> expected;  ///< the contents of all files that must be somewhere
     /// The names of files whose descriptions were elsewhere when they should have been removed.
     std::set<std::string> touchedDescriptions;
+    /// The places from which something else than the reviewed file may be in the Trash.
+    std::set<std::string> strandedFrom;
 };
 
 CleanUp cleanUp(XdgTrash& trash, const World& world, unsigned seed, ProofReport& report) {
@@ -80,9 +93,14 @@ CleanUp cleanUp(XdgTrash& trash, const World& world, unsigned seed, ProofReport&
     CleanUp result;
     // Of a file that is not inside the caches when its turn comes, the Trash is not asked.
     result.outcomes.resize(fileCount, TrashOutcome{.error = "not asked for"});
-    TellingTrash telling(trash, [&](const TrashRequest& asked, const TrashOutcome& outcome) {
-        result.outcomes[numbers.at(asked.path)] = outcome;
-    });
+    TellingTrash telling(trash,
+                         [&](const TrashRequest& asked, const TrashOutcome& outcome) {
+                             result.outcomes[numbers.at(asked.path)] = outcome;
+                             if (isStranded(outcome)) {
+                                 result.strandedFrom.insert(asked.path);
+                             }
+                         },
+                         {});
     CleanupTally tally(request.files.size());
     DiskChanges changes;
     std::atomic<int> current = 0;
@@ -112,8 +130,14 @@ void undo(XdgTrash& trash, const World& world, unsigned seed, CleanUp& cleanUp,
             current = std::stoi(next.filename());
         }
     };
+    // What has come into a file's place meanwhile can go to the Trash in its stead.
+    TellingTrash telling(trash, {}, [&](const TrashItem& item, const PutBackOutcome& outcome) {
+        if (outcome.result != PutBackOutcome::Result::done) {
+            cleanUp.strandedFrom.insert(item.path);
+        }
+    });
     HostileThread hostile(world, current, seed);
-    putBackCaches(trash, tally, follow, Stop({}, changes), {});
+    putBackCaches(telling, tally, follow, Stop({}, changes), {});
     hostile.stop(report);
     report.putBack += static_cast<std::int64_t>(tally.progress().moved);
     cleanUp.items = tally.state().remaining;
@@ -144,7 +168,7 @@ public:
         findInPlaces(world_.aside);
         for (const TrashedFile& file : trashContents(world_.homeTrash)) {
             if (file.isThere || cleanUp.touchedDescriptions.count(file.storedName) == 0) {
-                checkTrashed(file);
+                checkTrashed(file, cleanUp.strandedFrom);
             }
         }
         const std::set<std::string> expected(cleanUp.expected.begin(), cleanUp.expected.end());
@@ -178,11 +202,21 @@ private:
         }
     }
 
-    void checkTrashed(const TrashedFile& file) {
+    void checkTrashed(const TrashedFile& file, const std::set<std::string>& strandedFrom) {
         const fs::path place = world_.cache / file.content.substr(0, file.content.find(' '));
         require(file.isThere, "a description of no file: " + file.restorePath);
-        require(file.restorePath == place, file.storedName + " with the content " + file.content +
-                                               " has the path " + file.restorePath);
+        // What was brought to a place from elsewhere is to be restored to where it was taken from.
+        require((file.isRegular && file.restorePath == place) ||
+                    strandedFrom.count(file.restorePath) > 0,
+                file.storedName + " with the content " + file.content + " has the path " +
+                    file.restorePath);
+        if (!file.isRegular) {
+            const fs::path path = world_.homeTrash / "files" / file.storedName;
+            if (fs::is_directory(fs::symlink_status(path))) {
+                findInPlaces(path);
+            }
+            return;
+        }
         ++found_[file.content];
         trashed_.insert(file.content);
     }
@@ -190,9 +224,8 @@ private:
     void checkOutcome(const TrashOutcome& outcome, const std::string& content) {
         const bool isMoved = outcome.movedBytes.has_value();
         const bool isInTrash = trashed_.count(content) > 0;
-        const bool isStranded = outcome.error.find("in the Trash") != std::string::npos;
         ++(isMoved ? report_.moved : report_.left);
-        require(isMoved == isInTrash || (isStranded && !isMoved),
+        require(isMoved == isInTrash || (isStranded(outcome) && !isMoved),
                 content + (isInTrash ? " is in the Trash: " : " is not in the Trash: ") +
                     outcome.error);
         require(isMoved == outcome.error.empty(), content + ": " + outcome.error);
