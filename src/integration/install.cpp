@@ -18,12 +18,12 @@ namespace {
 constexpr const char* copyTool = "/usr/bin/rsync";
 constexpr std::chrono::milliseconds copyDeadline{20'000};
 
-/// Whether all files of the program are in `folder`.
-bool hasProgram(const InstallPlan& plan, const std::string& folder,
-                const InstallationFiles& files) {
-    return std::ranges::all_of(plan.programFiles, [&](const std::string& name) {
-        return files.exists(folder + '/' + name);
-    });
+/// Whether `bundle` has the program. A copy of a folder without it would remove an installed one.
+bool hasProgram(const InstallPlan& plan, const InstallationFiles& files) {
+    return !plan.bundle.empty() &&
+           std::ranges::all_of(plan.programFiles, [&](const std::string& name) {
+               return files.exists(plan.bundle + '/' + name);
+           });
 }
 
 Outcome notCompleted(const std::string& reason) {
@@ -63,7 +63,7 @@ struct Installed {
 
 Installed install(const InstallPlan& plan, InstallationFiles& files, ToolRunner& tools,
                   const std::string& icon) {
-    if (plan.bundle.empty() || !hasProgram(plan, plan.bundle, files)) {
+    if (!hasProgram(plan, files)) {
         return {Outcome::refused("Could not locate the running app bundle.")};
     }
     const Outcome done = Outcome::done("Installed Tallowcrest to " + plan.shownTarget + '.');
@@ -90,7 +90,7 @@ Installed install(const InstallPlan& plan, InstallationFiles& files, ToolRunner&
         return {notCompleted(plan.shownTarget + " is not empty and holds no Tallowcrest.")};
     }
     const std::string output = tools.runTool(copyTool, copyArguments(plan), copyDeadline);
-    if (!files.exists(plan.installed) || !hasProgram(plan, plan.target, files)) {
+    if (!files.allExist(plan.installedFiles)) {
         return {notCompleted(output.empty() ? "Try the installer script in outputs." : output)};
     }
     return {done, makeEntries(plan, files, icon)};

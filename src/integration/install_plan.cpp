@@ -17,6 +17,19 @@ constexpr const char* linuxProgram = "tallowcrest";
 
 constexpr const char* installedBundle = "/Applications/Tallowcrest Pro.app";
 
+/// The program's files on Linux.
+std::vector<std::string> programNames() {
+    return {linuxProgram, "tallowcrest-desktop", "tallowcrest-http.so"};
+}
+
+std::vector<std::string> programFilesIn(const std::string& folder) {
+    std::vector<std::string> files = programNames();
+    for (std::string& file : files) {
+        file.insert(0, folder + '/');
+    }
+    return files;
+}
+
 /// The path as people write it.
 std::string shown(const std::string& path, const std::string& home) {
     return path.starts_with(home + '/') ? '~' + path.substr(home.size()) : path;
@@ -71,10 +84,11 @@ InstallPlan linuxInstallPlan(const LinuxInstallPlaces& places) {
     }
     const std::string target = linuxTarget(places);
     return {.bundle = places.program,
-            .programFiles = {linuxProgram, "tallowcrest-desktop", "tallowcrest-http.so"},
+            .programFiles = programNames(),
             .target = target,
             .shownTarget = shown(target, places.home),
             .installed = target + '/' + linuxProgram,
+            .installedFiles = programFilesIn(target),
             .launcher = places.home + "/.local/bin/tallowcrest",
             .menuEntry = places.data + "/applications/tallowcrest.desktop",
             .icon = places.data + "/icons/hicolor/scalable/apps/tallowcrest.svg",
@@ -86,10 +100,12 @@ LoginPlan linuxLoginPlan(const LinuxInstallPlaces& places) {
         return {};
     }
     const std::string folder = places.configuration + "/autostart";
+    const std::string target = linuxTarget(places);
     return {.folder = folder,
             .shownFolder = shown(folder, places.home),
             .file = folder + "/tallowcrest.desktop",
-            .installed = linuxTarget(places) + '/' + linuxProgram,
+            .installed = target + '/' + linuxProgram,
+            .installedFiles = programFilesIn(target),
             .running = places.program.empty() ? std::string() : places.program + '/' + linuxProgram,
             .text = autostartEntry,
             .loader = {}};
@@ -119,6 +135,7 @@ InstallPlan macOSInstallPlan(std::string_view bundlePath) {
             .target = installedBundle,
             .shownTarget = "/Applications",
             .installed = installedBundle,
+            .installedFiles = {installedBundle},
             .launcher = {},
             .menuEntry = {},
             .icon = {},
@@ -138,6 +155,7 @@ LoginPlan macOSLoginPlan(std::string_view bundlePath, const std::string& home) {
             .shownFolder = "~/Library/LaunchAgents",
             .file = folder + "/com.rowanhesket.tallowcrest.pro.plist",
             .installed = installedBundle,
+            .installedFiles = {installedBundle},
             .running = std::move(running),
             .text = launchAgent,
             .loader = "/bin/launchctl"};

@@ -12,9 +12,10 @@ struct InstallPlan {
     std::string bundle;  ///< the folder of the running program; empty when it cannot be located
     /// The names of the files in `bundle` that are the program; empty when all of them are.
     std::vector<std::string> programFiles;
-    std::string target;       ///< gets the content of `bundle`
-    std::string shownTarget;  ///< the place as messages name it
-    std::string installed;    ///< what exists once the program is installed, and is started then
+    std::string target;                       ///< gets the content of `bundle`
+    std::string shownTarget;                  ///< the place as messages name it
+    std::string installed;                    ///< what is started once the program is installed
+    std::vector<std::string> installedFiles;  ///< what exists then
     // What leads to the installed program on systems that need it; empty elsewhere.
     std::string launcher;
     std::string menuEntry;
@@ -30,11 +31,12 @@ struct FolderEntry {
 
 /// How this program is started when its user logs in.
 struct LoginPlan {
-    std::string folder;       ///< absolute, without a slash at the end
-    std::string shownFolder;  ///< the folder as messages name it
-    std::string file;         ///< the file in it that starts the program
-    std::string installed;    ///< `InstallPlan::installed`
-    std::string running;      ///< what is started as long as that does not exist
+    std::string folder;                       ///< absolute, without a slash at the end
+    std::string shownFolder;                  ///< the folder as messages name it
+    std::string file;                         ///< the file in it that starts the program
+    std::string installed;                    ///< `InstallPlan::installed`
+    std::vector<std::string> installedFiles;  ///< `InstallPlan::installedFiles`
+    std::string running;  ///< what is started as long as one of them does not exist
     /// The content of the file, for the path of what is started.
     std::string (*text)(std::string_view application);
     /// The tool that unloads and loads the file; empty where the desktop finds it by itself.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -52,6 +53,11 @@ public:
 
     /// Removes the file, or the link itself.
     virtual Outcome removeFile(const std::string& path) = 0;
+
+    /// Whether there is something at each path, as `exists` tells.
+    bool allExist(const std::vector<std::string>& paths) const {
+        return std::ranges::all_of(paths, [this](const std::string& path) { return exists(path); });
+    }
 };
 
 }  // namespace tallowcrest

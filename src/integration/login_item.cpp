@@ -30,7 +30,8 @@ Outcome enable(const LoginPlan& plan, InstallationFiles& files, ToolRunner& tool
     const auto failed = [](const std::string& reason) {
         return Outcome::failed("Could not enable launch at login: " + reason);
     };
-    const std::string& application = files.exists(plan.installed) ? plan.installed : plan.running;
+    const std::string& application =
+        files.allExist(plan.installedFiles) ? plan.installed : plan.running;
     if (files.isLink(plan.folder)) {
         return Outcome::refused("Blocked launch-at-login setup because " + plan.shownFolder +
                                 " is a symbolic link.");

@@ -77,6 +77,11 @@ TEST_F(LoginItemTest, StartsTheInstalledProgramOnceThereIsOne) {
     files->files["/home/o/.local/opt/tallowcrest/tallowcrest"] = "";
     onLinux().enableLaunchAtLogin();
     finish();
+    EXPECT_EQ(files->files[autostart], autostartEntry("/unpacked/tallowcrest")) << "not whole";
+    files->files["/home/o/.local/opt/tallowcrest/tallowcrest-desktop"] = "";
+    files->files["/home/o/.local/opt/tallowcrest/tallowcrest-http.so"] = "";
+    onLinux().enableLaunchAtLogin();
+    finish();
     EXPECT_EQ(files->files[autostart],
               autostartEntry("/home/o/.local/opt/tallowcrest/tallowcrest"));
 }

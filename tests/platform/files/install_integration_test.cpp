@@ -255,6 +255,10 @@ TEST_F(InstallIntegration, ADiskThatIsFullAfterTheFirstFileLeavesNoLauncher) {
         EXPECT_THAT(install(), StartsWith("Install did not complete. "));
         EXPECT_TRUE(fs::exists(target() + "/tallowcrest"));
         EXPECT_FALSE(fs::exists(folder_.path("home/.local/bin")));
+        fs::resize_file(target() + "/tallowcrest", 0);
+        EXPECT_EQ(enableLogin(), "Enabled launch at login.");
+        EXPECT_EQ(folder_.read("home/.config/autostart/tallowcrest.desktop"),
+                  autostartEntry(folder_.path("build/tallowcrest")));
     });
 }
 
