@@ -57,7 +57,8 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 # What the programs are linked to is found by dpkg-shlibdeps. Qt loads its plugin for X11 at run time.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS qt6-qpa-plugins)
+# The first loader that reads packed relocations; that is not found by itself.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.36), qt6-qpa-plugins")
 # Programs that it starts, the plugin for Wayland, the authorities that sign the certificates of
 # providers, and a session bus for notifications and the tray.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
