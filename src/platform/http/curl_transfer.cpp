@@ -4,6 +4,7 @@
 #include <curl/curl.h>
 #include <netinet/in.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -222,6 +223,12 @@ HttpReply transferred(const CurlTransfer& transfer, const std::stop_token& stop)
     if (result == CURLE_PEER_FAILED_VERIFICATION && areOfSystem && isLookUp) {
         // The file can have authorities that the folder lacks. Nothing of the request was sent yet.
         set(CURLOPT_CAINFO, library.cainfo);
+        curl_off_t microseconds = 0;
+        curl_easy_getinfo(easy.get(), CURLINFO_TOTAL_TIME_T, &microseconds);
+        if (const auto left = transfer.timeout.count() - microseconds / 1000;
+            transfer.timeout.count() != 0) {
+            set(CURLOPT_TIMEOUT_MS, static_cast<long>(std::max<std::int64_t>(left, 1)));
+        }
         result = perform(easy.get(), stop);
     }
     if (arriving.refusal != CURLE_OK) {
