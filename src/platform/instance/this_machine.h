@@ -4,8 +4,8 @@
 
 namespace tallowcrest {
 
-/// What distinguishes this machine from others that share a home directory, and stays the same
-/// while it runs: any bytes. Empty when unknown. Any thread.
+/// What distinguishes this machine from others that share a home directory: any bytes. On Linux its
+/// name, which its administrator can change. Empty when unknown. Any thread.
 std::string thisMachine();
 
 }  // namespace tallowcrest
