@@ -4,7 +4,9 @@
     second_start_test.py PROGRAM [unittest options]
 """
 
+import itertools
 import os
+import resource
 import shutil
 import signal
 import socket
@@ -276,22 +278,20 @@ class LostTray(StartTestCase):
 
 @unittest.skipIf("ASAN_OPTIONS" in os.environ, "the sanitizers themselves need descriptors")
 class FewDescriptors(StartTestCase):
-    def start_limited(self, limit):
-        program = desktop.start(
-            "/bin/sh", "-c", 'ulimit -n "$1" && exec "$2" --ui-testing', "sh", str(limit), PROGRAM,
-            env=self.env)
-        self.addCleanup(program.end)
-        return program
-
     def test_a_window_without_free_descriptors_still_answers(self):
-        first = self.start_limited(32)
-        window = eventually(lambda: self.windows_of(first), "the window shows")[0]
+        first, window = self.start_window()
+        # The lowest that it has not opened yet, so that there is none any more.
+        opened = set(map(int, os.listdir(f"/proc/{first.pid}/fd")))
+        limit = next(number for number in itertools.count() if number not in opened)
+        resource.prlimit(first.pid, resource.RLIMIT_NOFILE, (limit, limit))
         desktop.output("xdotool", "windowminimize", "--sync", window)
         self.assert_hands_over()
         self.assert_becomes_active(window)
 
     def test_with_too_few_descriptors_it_reports_an_error(self):
-        program = self.start_limited(6)
+        program = desktop.start("/bin/sh", "-c", 'ulimit -n 6 && exec "$0" --ui-testing', PROGRAM,
+                                env=self.env)
+        self.addCleanup(program.end)
         self.assertEqual(program.status(), 1, program.complaints())
         self.assertIn("tallowcrest: ", program.complaints())
 
