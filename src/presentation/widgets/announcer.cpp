@@ -10,8 +10,11 @@ using namespace Qt::StringLiterals;
 namespace tallowcrest {
 namespace {
 
-/// One for each window, never visible. A screen reader says the name of a notification that
-/// appears.
+/// For each window. Far more than are announced before a screen reader has asked for the first.
+constexpr qsizetype keptAnnouncers = 16;
+
+/// One text for a screen reader, never visible. It says the name of a notification that appears,
+/// but asks for it only later. So the name never changes.
 class Announcer final : public QWidget, public AccessibleFigure {
 public:
     explicit Announcer(QWidget* window) : QWidget(window) {
@@ -35,11 +38,12 @@ void announce(QWidget& widget, const QString& text) {
         return;
     }
     QWidget* window = widget.window();
-    auto* announcer =
-        window->findChild<QWidget*>(Announcer::identifier(), Qt::FindDirectChildrenOnly);
-    if (announcer == nullptr) {
-        announcer = new Announcer(window);
+    const auto earlier =
+        window->findChildren<QWidget*>(Announcer::identifier(), Qt::FindDirectChildrenOnly);
+    if (earlier.size() >= keptAnnouncers) {
+        delete earlier.first();
     }
+    auto* announcer = new Announcer(window);
     setSpokenName(*announcer, text);
     QAccessibleEvent appeared(announcer, QAccessible::ObjectShow);
     QAccessible::updateAccessibility(&appeared);

@@ -42,11 +42,23 @@ Announcements::Words Announcements::wordsOf(const QWidget& widget) {
     return {widget.accessibleName(), widget.accessibleDescription()};
 }
 
+std::vector<std::string> Announcements::said() const {
+    std::vector<std::string> names;
+    for (const auto& object : said_) {
+        if (object != nullptr) {
+            names.push_back(QAccessible::queryAccessibleInterface(object)
+                                ->text(QAccessible::Name)
+                                .toStdString());
+        }
+    }
+    return names;
+}
+
 void Announcements::hear(QAccessibleEvent& event) {
     QAccessibleInterface* source = event.accessibleInterface();
     if (source != nullptr && event.type() == QAccessible::ObjectShow &&
         source->role() == QAccessible::Notification) {
-        said_.push_back(source->text(QAccessible::Name).toStdString());
+        said_.emplace_back(event.object());
     }
     if (source != nullptr && event.type() == QAccessible::Focus) {
         focused_.push_back(source->text(QAccessible::Name).toStdString());

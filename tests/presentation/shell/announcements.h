@@ -29,8 +29,9 @@ public:
     /// announcement of a widget that was created meanwhile never counts.
     const std::vector<std::string>& repeated() const { return repeated_; }
 
-    /// What was announced by `announce`, in order.
-    const std::vector<std::string>& said() const { return said_; }
+    /// What was announced by `announce`, in order, as far as a screen reader can still ask for it,
+    /// which it does only after the event.
+    std::vector<std::string> said() const;
     /// The names of what was reported to have the focus, in order.
     const std::vector<std::string>& focused() const { return focused_; }
 
@@ -48,7 +49,7 @@ private:
 
     std::map<QWidget*, Known> known_;
     std::vector<std::string> repeated_;
-    std::vector<std::string> said_;
+    std::vector<QPointer<QObject>> said_;
     std::vector<std::string> focused_;
     int count_ = 0;
 };
