@@ -142,9 +142,15 @@ void ElidedLabel::keepBreaks(const QString& before) {
 
 int ElidedLabel::naturalWidth() const {
     if (naturalWidth_ < 0) {
-        // No text of this length fits into the widest hint. Every digit counts as the widest one,
-        // so that any figure of as many digits needs the same room.
-        const int wanted = figuresWidth(textFont(), text_.left(longestMeasured)) + 1;
+        // No text of the full length fits into the widest hint, and of half that length few do.
+        // Every digit counts as the widest one, so that any figure of as many digits needs the same
+        // room.
+        constexpr qsizetype half = longestMeasured / 2;
+        const auto widthOf = [&](qsizetype length) {
+            return figuresWidth(textFont(), text_.left(length)) + 1;
+        };
+        const bool isWidest = text_.size() > half && widthOf(half) >= widestHint;
+        const int wanted = isWidest ? widestHint : widthOf(longestMeasured);
         naturalWidth_ = std::max(reservedWidth(), std::min(wanted, widestHint));
     }
     return naturalWidth_;

@@ -16,6 +16,10 @@ namespace {
 
 constexpr int widestTipLine = 360;
 
+QString itemSeparator() {
+    return u" · "_s;
+}
+
 QString measurable(const QString& text, int lines, Qt::TextElideMode elideMode) {
     // More than any label can show.
     const qsizetype longestMeasured = std::max(1000, lines * 100);
@@ -63,7 +67,7 @@ QStringList wrappedLines(const QString& text, const QFont& font, int width, int 
 /// The lines of a list that breaks between its items, and within an item only if that is longer
 /// than a line.
 QStringList linesOfItems(const QString& text, const QFont& font, int width, int maximumLines) {
-    const QString separator = u" · "_s;
+    const QString separator = itemSeparator();
     const QFontMetrics metrics(font);
     QStringList lines;
     std::optional<QString> line;
@@ -107,7 +111,7 @@ QStringList fittedLines(const QString& text, const QFont& font, int width, int m
     }
 
     shown.replace(u'\n', QChar(QChar::LineSeparator));
-    if (!shown.contains(QChar::LineSeparator)) {
+    if (!shown.contains(QChar::LineSeparator) && shown.contains(itemSeparator())) {
         const QStringList lines = linesOfItems(shown, font, width, maximumLines);
         if (lines.size() <= maximumLines) {
             return lines;

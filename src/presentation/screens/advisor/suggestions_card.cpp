@@ -104,15 +104,21 @@ SuggestionsCard::SuggestionsCard(QWidget* parent) : Card(parent) {
     empty_->setObjectName(u"ai.suggestions.empty"_s);
     empty_->setLines(1, 3);
     contentLayout()->addWidget(empty_);
+    list_ = new QWidget(this);
+    auto* list = new QVBoxLayout(list_);
+    list->setContentsMargins(0, 0, 0, 0);
+    list->setSpacing(contentLayout()->spacing());
+    contentLayout()->addWidget(list_);
+    list_->hide();
     // All of them at once, so that their buttons are in the visual order for the Tab key.
     for (std::size_t i = 0; i < maximumSuggestions; ++i) {
-        auto* row = new SuggestionRow(u"ai.suggestion-%1"_s.arg(i + 1), this);
+        auto* row = new SuggestionRow(u"ai.suggestion-%1"_s.arg(i + 1), list_);
         connect(row, &SuggestionRow::approveWanted, this,
                 [this, i] { withShown(i, &SuggestionsCard::approveWanted); });
         connect(row, &SuggestionRow::runWanted, this,
                 [this, i] { withShown(i, &SuggestionsCard::runWanted); });
         row->hide();
-        contentLayout()->addWidget(row);
+        list->addWidget(row);
         rows_.push_back(row);
     }
 }
@@ -152,6 +158,8 @@ void SuggestionsCard::show(const std::vector<advisor_lines::SuggestionLine>& lin
         }
         rows_[i]->setVisible(i < shown_.size());
     }
+    // After the first rows, so that the page is laid out once and not for each of them.
+    list_->setVisible(!shown_.empty());
 }
 
 void SuggestionsCard::showRefusal(const QString& words) {

@@ -73,6 +73,7 @@ private:
 
     RefusalLine* refusal_ = nullptr;
     ElidedLabel* empty_ = nullptr;
+    QWidget* list_ = nullptr;  ///< has the rows; hidden without any
     std::vector<SuggestionRow*> rows_;
     std::vector<advisor_lines::SuggestionLine> shown_;
 };
