@@ -154,10 +154,14 @@ void SuggestionsCard::show(const std::vector<advisor_lines::SuggestionLine>& lin
     shown_.resize(std::min(shown_.size(), rows_.size()));
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         if (i < shown_.size()) {
+            // The width that it gets, or the texts of a new row would be laid out for another
+            // first.
+            rows_[i]->resize(empty_->width(), rows_[i]->height());
             rows_[i]->setLine(shown_[i]);
         }
         rows_[i]->setVisible(i < shown_.size());
     }
+    list_->resize(empty_->width(), list_->height());
     // After the first rows, so that the page is laid out once and not for each of them.
     list_->setVisible(!shown_.empty());
 }
