@@ -52,6 +52,7 @@ void ConversationBubble::setEstimatedWidth(int width) {
 
 void ConversationBubble::measure(int width) {
     if (text_ == nullptr) {
+        resize(width, height());
         makeText();
     }
     neededHeight_ = textTop() + text_->heightForWidth(std::max(1, width - 2 * padding)) + padding;
@@ -60,7 +61,6 @@ void ConversationBubble::measure(int width) {
 
 void ConversationBubble::makeText() {
     text_ = new SelectableText(u"conversation.text"_s, this, SelectableText::Look::bare);
-    text_->showText(content_);
     text_->installEventFilter(this);
     setTabStop(isTabStop_);
     // In the place of the conversation, not at the end of the window. Qt takes only widgets that
@@ -71,6 +71,8 @@ void ConversationBubble::makeText() {
     conversation.setFocusPolicy(Qt::NoFocus);
     place();
     text_->show();
+    // Now that it has its width, or the text would be laid out once for each width on the way.
+    text_->showText(content_);
 }
 
 void ConversationBubble::place() {

@@ -105,12 +105,12 @@ int SelectableText::heightForWidth(int width) const {
         return known->second;
     }
     double height = 0.0;
-    if (look_ == Look::bare) {
+    if (document()->textWidth() == width) {
+        height = document()->size().height();
+    } else if (look_ == Look::bare) {
         // It is measured for the width that it then gets, so this is also its layout.
         heights_.clear();
         height = heightOf(*document(), width);
-    } else if (document()->textWidth() == width) {
-        height = document()->size().height();
     } else {
         // Not the document that is shown, which would have to be laid out again afterwards: layouts
         // ask for several widths.
