@@ -53,7 +53,7 @@ void ElidedLabel::setText(const QString& text) {
         const int widthBefore = naturalWidth();
         const int heightBefore = heightForWidth(width());
         text_ = text;
-        forgetLines();
+        fits_ = {};
         if (!isSameButForDigits) {
             naturalWidth_ = -1;
         }
@@ -109,13 +109,20 @@ void ElidedLabel::setReservedText(const QString& pattern) {
 }
 
 const QStringList& ElidedLabel::shownLines() const {
-    if (linesWidth_ != width()) {
-        lines_ = fitsInOneLine(width())
-                     ? QStringList{text_}
-                     : fittedLines(text_, textFont(), width(), maximumLines_, elideMode_);
-        linesWidth_ = width();
+    return linesIn(width());
+}
+
+const QStringList& ElidedLabel::linesIn(int width) const {
+    const auto known = std::ranges::find(fits_, width, &Fit::width);
+    if (known != fits_.end()) {
+        return known->lines;
     }
-    return lines_;
+    Fit& fit = fits_.at(oldestFit_);
+    oldestFit_ = (oldestFit_ + 1) % fits_.size();
+    fit = {width, fitsInOneLine(width)
+                      ? QStringList{text_}
+                      : fittedLines(text_, textFont(), width, maximumLines_, elideMode_)};
+    return fit.lines;
 }
 
 bool ElidedLabel::fitsInOneLine(int width) const {
@@ -127,16 +134,18 @@ bool ElidedLabel::fitsInOneLine(int width) const {
 }
 
 void ElidedLabel::keepBreaks(const QString& before) {
-    qsizetype from = 0;
-    for (QString& line : lines_) {
-        const qsizetype start = before.indexOf(line, from);
-        if (start < 0) {
-            // Not a part of the text: the line was elided.
-            linesWidth_ = -1;
-            return;
+    for (Fit& fit : fits_) {
+        qsizetype from = 0;
+        for (QString& line : fit.lines) {
+            const qsizetype start = before.indexOf(line, from);
+            if (start < 0) {
+                // Not a part of the text: the line was elided.
+                fit = {};
+                break;
+            }
+            from = start + line.size();
+            line = text_.mid(start, line.size());
         }
-        from = start + line.size();
-        line = text_.mid(start, line.size());
     }
 }
 
@@ -178,25 +187,7 @@ int ElidedLabel::heightForWidth(int width) const {
     if (maximumLines_ == 1) {
         return lineHeight;
     }
-    return lineHeight * std::max(minimumLines_, linesNeeded(width));
-}
-
-int ElidedLabel::linesNeeded(int width) const {
-    if (width == this->width()) {
-        return static_cast<int>(shownLines().size());
-    }
-    if (fitsInOneLine(width)) {
-        return 1;
-    }
-    const auto known = std::ranges::find(fits_, width, &Fit::width);
-    if (known != fits_.end()) {
-        return known->lines;
-    }
-    const auto lines = fittedLines(text_, textFont(), width, maximumLines_, elideMode_).size();
-    Fit& fit = fits_.at(oldestFit_);
-    oldestFit_ = (oldestFit_ + 1) % fits_.size();
-    fit = {width, static_cast<int>(lines)};
-    return fit.lines;
+    return lineHeight * std::max(minimumLines_, static_cast<int>(linesIn(width).size()));
 }
 
 bool ElidedLabel::event(QEvent* event) {
@@ -265,14 +256,8 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
     }
 }
 
-void ElidedLabel::forgetLines() {
-    lines_.clear();
-    linesWidth_ = -1;
-    fits_ = {};
-}
-
 void ElidedLabel::forgetMeasures() {
-    forgetLines();
+    fits_ = {};
     naturalWidth_ = -1;
 }
 

@@ -76,21 +76,20 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// The lines that the text needs in a width.
+    /// The lines of the text in a width.
     struct Fit {
         int width = -1;
-        int lines = 0;
+        QStringList lines;
     };
 
     const QFont& textFont() const { return CrestFonts::current().*style_.font; }
     int naturalWidth() const;
     int reservedWidth() const;
     bool fitsInOneLine(int width) const;
-    int linesNeeded(int width) const;
+    const QStringList& linesIn(int width) const;
     /// Keeps the line breaks of `before`, which differs from the new text only in digits of equal
     /// width.
     void keepBreaks(const QString& before);
-    void forgetLines();
     void forgetMeasures();
     void changeLayout();
     void updateSizePolicy();
@@ -103,10 +102,8 @@ private:
     Qt::TextElideMode elideMode_ = Qt::ElideRight;
     int minimumLines_ = 1;
     int maximumLines_ = 1;
-    mutable QStringList lines_;
-    mutable int linesWidth_ = -1;
     /// The latest ones, since a layout asks for the same few widths again and again.
-    mutable std::array<Fit, 4> fits_;
+    mutable std::array<Fit, 5> fits_;
     mutable std::size_t oldestFit_ = 0;
     mutable int naturalWidth_ = -1;
 };
