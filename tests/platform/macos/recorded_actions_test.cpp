@@ -118,19 +118,31 @@ TEST_F(RecordedMacActions, TheAgentIsWrittenUnloadedLoadedAndRemoved) {
 }
 
 TEST_F(RecordedMacActions, TheBundleIsCopiedToTheApplications) {
+    namespace fs = std::filesystem;
+    const std::string applications = "/Applications";
+    const std::string installed = applications + "/Tallowcrest Pro.app";
+    const PosixInstallationFiles machine;
+    const bool wasThere = machine.exists(applications);
     tools.record(0, "rsync", "rsync: no space left");
     inOwnMounts([&] {
+        enterOwnRoot(tools.home() + "/root", applications);
         tools.show();
         Install install(with.services, runner, ports());
         install.installToApplications();
         EXPECT_EQ(finish(), "Install did not complete. rsync: no space left");
         install.installToApplications();
         EXPECT_EQ(finish(), "Install did not complete. Try the installer script in outputs.");
+        EXPECT_TRUE(fs::is_empty(applications));
+        // The recorded tool copies nothing, but an earlier copy counts too.
+        fs::create_directory(installed);
+        install.installToApplications();
+        EXPECT_EQ(finish(), "Installed Tallowcrest to /Applications.");
         const std::string call =
-            "rsync\t[-a][--delete][/Users/o/My Apps/Tallowcrest Pro.app/]"
-            "[/Applications/Tallowcrest Pro.app/]";
-        EXPECT_THAT(tools.calls(), ElementsAre(call, call));
+            "rsync\t[-a][--delete][/Users/o/My Apps/Tallowcrest Pro.app/][" + installed + "/]";
+        EXPECT_THAT(tools.calls(), ElementsAre(call, call, call));
     });
+    EXPECT_EQ(machine.exists(applications), wasThere);
+    EXPECT_FALSE(machine.exists(installed));
 }
 
 /// What Python's reader makes of a property list.

@@ -96,6 +96,27 @@ void mountBind(const std::string& source, const std::string& place) {
             source + " at " + place);
 }
 
+void enterOwnRoot(const std::string& folder, const std::string& without) {
+    namespace fs = std::filesystem;
+    mountMemory(folder);
+    for (const fs::directory_entry& entry : fs::directory_iterator("/")) {
+        const std::string shown = folder + entry.path().string();
+        if (entry.path() == without) {
+            continue;
+        }
+        if (entry.is_symlink()) {
+            fs::copy_symlink(entry.path(), shown);
+        } else if (entry.is_directory()) {
+            fs::create_directory(shown);
+            require(
+                ::mount(entry.path().c_str(), shown.c_str(), nullptr, MS_BIND | MS_REC, nullptr),
+                shown);
+        }
+    }
+    require(::chroot(folder.c_str()), folder);
+    require(::chdir("/"), "/");
+}
+
 void makeReadOnly(const std::string& folder) {
     require(::mount("none", folder.c_str(), nullptr,
                     MS_BIND | MS_REMOUNT | MS_RDONLY | MS_NOSUID | MS_NODEV, nullptr),

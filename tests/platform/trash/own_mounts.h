@@ -21,6 +21,10 @@ void mountMemory(const std::string& folder, const std::string& options = "size=1
 /// Lets `place` show `source`, a folder or a file. A folder is created.
 void mountBind(const std::string& source, const std::string& place);
 
+/// From now on `/` is a file system in memory, mounted at `folder`, which is created. It shows each
+/// folder and link of the old one but `without`, an absolute path.
+void enterOwnRoot(const std::string& folder, const std::string& without);
+
 /// From now on nothing below the mount `folder` can be changed.
 void makeReadOnly(const std::string& folder);
 
