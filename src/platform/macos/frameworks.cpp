@@ -2,8 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <string>
-
 // The name that is looked up is that of the member.
 #define FIND(member) find(found.member, #member)
 
@@ -30,9 +28,8 @@ private:
     bool isComplete_ = true;
 };
 
-FrameworkLookup lookupIn(const std::string& name) {
-    const std::string path = "/System/Library/Frameworks/" + name + ".framework/" + name;
-    void* const framework = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+FrameworkLookup lookupIn(const char* path) {
+    void* const framework = ::dlopen(path, RTLD_NOW | RTLD_LOCAL);
     return [framework](const char* wanted) {
         return framework == nullptr ? nullptr : ::dlsym(framework, wanted);
     };
@@ -89,12 +86,12 @@ std::optional<SecurityFramework> securityFrameworkFrom(const FrameworkLookup& lo
 }
 
 const CoreFoundation* coreFoundation() {
-    static const std::optional framework = coreFoundationFrom(lookupIn("CoreFoundation"));
+    static const std::optional framework = coreFoundationFrom(lookupIn(CoreFoundation::path));
     return framework ? &*framework : nullptr;
 }
 
 const SecurityFramework* securityFramework() {
-    static const std::optional framework = securityFrameworkFrom(lookupIn("Security"));
+    static const std::optional framework = securityFrameworkFrom(lookupIn(SecurityFramework::path));
     return framework ? &*framework : nullptr;
 }
 

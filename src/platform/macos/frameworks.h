@@ -14,6 +14,9 @@ namespace tallowcrest {
 using CFObject = const void*;
 
 struct CoreFoundation {
+    static constexpr const char* path =
+        "/System/Library/Frameworks/CoreFoundation.framework/CoreFoundation";
+
     using Index = long;
     using Boolean = unsigned char;
     using Encoding = std::uint32_t;
@@ -58,6 +61,8 @@ struct CoreFoundation {
 };
 
 struct SecurityFramework {
+    static constexpr const char* path = "/System/Library/Frameworks/Security.framework/Security";
+
     using Status = std::int32_t;
 
     static constexpr Status success = 0;        ///< errSecSuccess
