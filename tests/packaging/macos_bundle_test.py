@@ -1,10 +1,11 @@
 """What the application for macOS is put together from.
 
-    macos_bundle_test.py PACKAGING_FOLDER INFO_PLIST VERSION BUILD_NUMBER
+    macos_bundle_test.py CMAKE PACKAGING_FOLDER INFO_PLIST VERSION BUILD_NUMBER
 """
 
 import pathlib
 import plistlib
+import shutil
 import struct
 import subprocess
 import sys
@@ -35,6 +36,16 @@ class Descriptions(unittest.TestCase):
         self.assertIsInstance(info["TallowcrestUpdateFeedURL"], str)
         # Without its reason the system refuses the script that asks an application to quit.
         self.assertTrue(info["NSAppleEventsUsageDescription"])
+
+    def test_a_feed_with_characters_that_XML_has_for_itself(self):
+        feed = "https://example.org/feed?a=1&b=<2>&amp;"
+        with tempfile.TemporaryDirectory() as name:
+            shutil.copy(PACKAGING / "Info.plist.in", name)
+            subprocess.run([CMAKE, f"-DTALLOWCREST_UPDATE_FEED_URL={feed}", "-P",
+                            PACKAGING / "CMakeLists.txt"], cwd=name, check=True)
+            with open(pathlib.Path(name, "Info.plist"), "rb") as file:
+                info = plistlib.load(file, fmt=plistlib.FMT_XML)
+        self.assertEqual(info["TallowcrestUpdateFeedURL"], feed)
 
     def test_the_hardened_runtime_has_the_one_exception_that_is_needed(self):
         with open(PACKAGING / "entitlements.plist", "rb") as file:
@@ -75,6 +86,6 @@ class Icon(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    BUILD, VERSION, INFO, PACKAGING = (sys.argv.pop(), sys.argv.pop(), sys.argv.pop(),
-                                       pathlib.Path(sys.argv.pop()))
+    BUILD, VERSION, INFO, PACKAGING, CMAKE = (sys.argv.pop(), sys.argv.pop(), sys.argv.pop(),
+                                              pathlib.Path(sys.argv.pop()), sys.argv.pop())
     unittest.main()
