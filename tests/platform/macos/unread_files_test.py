@@ -3,6 +3,7 @@
     unread_files_test.py PROJECT
 """
 
+import os
 import pathlib
 import shutil
 import subprocess
@@ -19,14 +20,19 @@ class UnreadFiles(unittest.TestCase):
         (self.copy / "scripts").mkdir()
         shutil.copy(PROJECT / "scripts/macos-check", self.copy / "scripts")
         shutil.copy(PROJECT / "CMakeLists.txt", self.copy)
-        shutil.copytree(PROJECT / "src", self.copy / "src", ignore=shutil.ignore_patterns("*.cpp"))
+        for folder in ("src", "cmake"):
+            shutil.copytree(PROJECT / folder, self.copy / folder)
+        # Nothing is to be read from there.
+        self.silent, writer = os.pipe()
+        self.addCleanup(os.close, self.silent)
+        self.addCleanup(os.close, writer)
         self.folder = self.copy / "src/platform/desktop"
         self.file = self.folder / "desktop_services_macos.mm"
 
     def complaint(self):
-        result = subprocess.run([self.copy / "scripts/macos-check", "unread"],
+        result = subprocess.run([self.copy / "scripts/macos-check", "unread"], stdin=self.silent,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-                                check=False)
+                                check=False, timeout=60)
         self.assertEqual((result.returncode, result.stdout), (1 if result.stderr else 0, ""))
         return result.stderr
 
@@ -38,11 +44,18 @@ class UnreadFiles(unittest.TestCase):
 
     def test_each_line_that_nothing_here_follows(self):
         text = self.file.read_text(encoding="utf-8")
+        (self.copy / "src/platform/read_by_none.h").write_text("")
         for line, complaint in (
                 ("#include <sys/epoll.h>", "includes <sys/epoll.h>, which is not among those"),
                 (" # import  <Cocoa/Cocoa.h>", "includes <Cocoa/Cocoa.h>, which is not"),
                 ('#include "platform/gone.h"', 'includes "platform/gone.h", which is not there'),
-                ("@import AppKit;", "has an @import")):
+                ('#include "platform/read_by_none.h"',
+                 'includes "platform/read_by_none.h", which no compiler reads'),
+                ("@import AppKit;", "has the line '@import AppKit;'"),
+                ("/**/ #include <sys/epoll.h>", "has the line '/**/ #include <sys/epoll.h>'"),
+                ("# /**/ import <Cocoa/Cocoa.h>", "has the line '# /**/ import"),
+                ("%:include <sys/epoll.h>", "has the line '%:include"),
+                ("#\\\n include <sys/epoll.h>", "has the line '#\\'")):
             with self.subTest(line):
                 self.file.write_text(f"{line}\n{text}", encoding="utf-8")
                 self.assertIn(f"{self.file.name} {complaint}", self.complaint())
@@ -58,6 +71,20 @@ class UnreadFiles(unittest.TestCase):
     def test_a_file_that_the_build_does_not_name(self):
         (self.folder / "other.mm").write_text("")
         self.assertIn("other.mm is not named in its CMakeLists.txt", self.complaint())
+
+    def test_a_function_that_is_gone_or_has_other_types(self):
+        text = self.file.read_text(encoding="utf-8")
+        line = "void revealFile(const std::filesystem::path& file) {"
+        self.assertIn(line, text)
+        for other in ("", line.replace("std::filesystem::path", "std::string")):
+            with self.subTest(other):
+                self.file.write_text(text.replace(line, other), encoding="utf-8")
+                self.assertIn(f"no file of Objective-C++ has the line '{line}'", self.complaint())
+
+    def test_no_file_at_all(self):
+        for file in (self.copy / "src").rglob("*.mm"):
+            file.unlink()
+        self.assertIn("no file of Objective-C++ has the line", self.complaint())
 
 
 if __name__ == "__main__":
