@@ -165,14 +165,10 @@ bool isInsideFolder(const std::string& path, const std::string& folder) {
 }
 
 std::vector<std::string> personalFolders(const UserFolders& folders) {
-    const std::array all{folders.downloads, folders.desktop, folders.documents, folders.videos,
-                         folders.pictures};
     std::vector<std::string> result;
-    for (const std::string& each : all) {
-        const bool isCovered = std::ranges::any_of(all, [&](const std::string& other) {
-            return other != folders.home && isInsideFolder(each, other);
-        });
-        if (!each.empty() && each != folders.home && !isCovered &&
+    for (const std::string& each : {folders.downloads, folders.desktop, folders.documents,
+                                    folders.videos, folders.pictures}) {
+        if (!each.empty() && each != folders.home &&
             std::ranges::find(result, each) == result.end()) {
             result.push_back(each);
         }

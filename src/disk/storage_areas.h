@@ -39,8 +39,8 @@ std::vector<StorageArea> macOSStorageAreas(const UserFolders& folders);
 std::vector<StorageArea> linuxStorageAreas(const UserFolders& folders);
 
 /// Where large personal files are looked for, in this order: Downloads, Desktop, Documents, videos,
-/// pictures. Without the home directory itself, and without folders that are inside another one,
-/// so that no file is found twice.
+/// pictures. Without the home directory itself, each once. One can be inside another, where a
+/// search of the other one alone may pass over it: behind a hidden folder, a link or in a package.
 std::vector<std::string> personalFolders(const UserFolders& folders);
 
 /// What must never be taken for the caches, wherever it lies and whatever else has the same path:

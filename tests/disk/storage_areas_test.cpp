@@ -103,12 +103,13 @@ TEST(StorageAreas, PersonalFoldersAreInTheirOrder) {
                             "/data/Videos", "/home/o/Images"));
 }
 
-TEST(StorageAreas, NoPersonalFileIsFoundTwice) {
+TEST(StorageAreas, PersonalFoldersAreThoseThatAreSetApartEachOnceAlsoInsideOneAnother) {
     UserFolders folders = linuxFolders();
-    folders.downloads = folders.documents + "/Downloads";
+    folders.downloads = folders.documents + "/.downloads";
     folders.desktop = folders.home;
     folders.pictures = folders.videos;
-    EXPECT_THAT(personalFolders(folders), ElementsAre("/home/o/Documents", "/data/Videos"));
+    EXPECT_THAT(personalFolders(folders),
+                ElementsAre("/home/o/Documents/.downloads", "/home/o/Documents", "/data/Videos"));
     EXPECT_THAT(personalFolders({}), IsEmpty());
 }
 

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "disk/storage_areas.h"
+
 namespace tallowcrest {
 namespace {
 
@@ -132,6 +134,29 @@ TEST(StorageRanking, LinkedAreasAreCountedOnceWhereTheyLead) {
     videos.place = "/var/pictures";
     EXPECT_THAT(ranked({area("/var", 9), videos, pictures}, {}),
                 ElementsAre("/home/o/Pictures 5", "/var 4"));
+}
+
+TEST(StorageRanking, PersonalFoldersInsideOneAnotherAddUp) {
+    UserFolders folders;
+    folders.home = "/home/o";
+    folders.documents = "/home/o/Documents";
+    folders.videos = "/home/o/Documents/link/Vids";
+    folders.pictures = "/home/o/Documents/.pics";
+    std::vector<MeasuredArea> measured;
+    for (const StorageArea& each : linuxStorageAreas(folders)) {
+        if (each.folder == "/home/o/Documents") {
+            measured.push_back(area(each.folder, 6 * gigabyte));
+        } else if (each.folder == "/home/o/Documents/link/Vids") {
+            measured.push_back(area(each.folder, 5 * gigabyte));
+            measured.back().place = "/home/o/real/Vids";
+        } else if (each.folder == "/home/o/Documents/.pics") {
+            measured.push_back(area(each.folder, 4 * gigabyte));
+        }
+    }
+    EXPECT_THAT(
+        ranked(measured, used(20, 6)),
+        ElementsAre("/home/o/Documents/link/Vids 5368709120", "/home/o/Documents/.pics 4294967296",
+                    "/ 3221225472", "/home/o/Documents 2147483648"));
 }
 
 TEST(StorageRanking, TheTextsTellTheLargestAndTheCount) {

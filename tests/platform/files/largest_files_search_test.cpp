@@ -116,6 +116,23 @@ TEST_F(LargestFilesSearchTest, SearchesSeveralRootsAndEachFileOnce) {
     EXPECT_THAT(namesOf({roots, 1, 0}), IsEmpty());
 }
 
+TEST_F(LargestFilesSearchTest, SearchesARootInsideAnotherOneThatPassesOverIt) {
+    tree.file("Documents/text", 1);
+    tree.file("Documents/.pics/photo", 2);
+    tree.file("Documents/Editor.app/film", 3);
+    tree.file("Documents/plain/note", 4);
+    tree.file("real/Vids/clip", 5);
+    tree.link("../real", "Documents/link");
+    const std::vector<std::string> roots{tree / "Documents", tree / "Documents/.pics",
+                                         tree / "Documents/Editor.app", tree / "Documents/plain",
+                                         tree / "Documents/link/Vids"};
+    EXPECT_THAT(
+        namesOf({roots, 1, 30}),
+        ElementsAre("Documents/link/Vids/clip", "Documents/plain/note", "Documents/Editor.app/film",
+                    "Documents/.pics/photo", "Documents/text"));
+    EXPECT_EQ(progress.filesSeen, 5) << "each once";
+}
+
 TEST_F(LargestFilesSearchTest, ReportsItsProgressOnTheCallingThread) {
     for (int number = 0; number < 300; ++number) {
         tree.file("folder/" + std::to_string(number));
