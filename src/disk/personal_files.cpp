@@ -214,7 +214,7 @@ void PersonalFiles::recordBackup(const Copied& copied) {
         setStatus(texts::backedUp(shownPath(nameOf(copied.destination))));
         log.recordEvent(ActivityKind::backupReceipt,
                         texts::backupReceipt(title, shownPath(copied.destination)));
-    } else if (backup_.isStopping()) {
+    } else if (state_.backup->isStopping) {
         setStatus(texts::backupStopped(title));
         log.recordEvent(ActivityKind::backupReceipt, texts::backupStoppedReceipt(title));
     } else {
@@ -243,6 +243,11 @@ Outcome PersonalFiles::stopBackup() {
 }
 
 void PersonalFiles::giveUpBackup() {
+    // It can have ended just before its result arrived.
+    if (const auto copied = backupUnderWay_->copied->get()) {
+        finishBackup(*copied);
+        return;
+    }
     const std::string title = std::exchange(backupUnderWay_, std::nullopt)->suggestion.title;
     state_.backup.reset();
     setStatus(texts::backupGivenUp(title));

@@ -77,13 +77,18 @@ public:
         }
         return progress;
     }
-    /// Complete once all workers are over.
+    /// Whether nothing is left to measure.
+    bool isComplete() const {
+        const std::lock_guard guard(lock_);
+        return isHomeVolumeRead_ && next_ == areas_.size() && atHand_.empty();
+    }
+    /// To be called when the measuring is complete.
     const std::optional<UsedSpace>& used() const { return used_; }
 
-    /// Before the end of the first worker.
     void readHomeVolume() {
         const std::optional<Volume> volume = volumeOf(home_);
         const std::lock_guard guard(lock_);
+        isHomeVolumeRead_ = true;
         if (used_) {
             used_->volume = volume;
         }
@@ -125,6 +130,7 @@ private:
     const std::string home_;
     const VolumeOf volumeOf_;
     mutable std::mutex lock_;
+    bool isHomeVolumeRead_ = false;
     std::size_t next_ = 0;
     std::vector<AtHand> atHand_;  ///< the oldest first
     std::vector<MeasuredArea> measured_;
@@ -194,18 +200,21 @@ void StorageScan::showProgress() {
 }
 
 void StorageScan::finish() {
-    const StorageScanProgress progress = measuring_->progress(dependencies_.services.clock.now());
-    const bool wasStopped = run_.isStopping() && progress.areasDone < progress.areas;
     run_.end();
-    if (wasStopped) {
-        finishStopped();
-        return;
-    }
     progressTimer_.reset();
     state_.isStopping = false;
-    const auto measuring = std::exchange(measuring_, nullptr);
-    state_.diskStorageOffenders = rankedOffenders(measuring->measured(), measuring->used());
     state_.diskStorageScanInProgress = false;
+    const auto measuring = std::exchange(measuring_, nullptr);
+    // What was asked to stop can have ended just before.
+    if (measuring->isComplete()) {
+        finishComplete(*measuring);
+    } else {
+        finishStopped(*measuring);
+    }
+}
+
+void StorageScan::finishComplete(const Measuring& measuring) {
+    state_.diskStorageOffenders = rankedOffenders(measuring.measured(), measuring.used());
     observable_->changed();
     dependencies_.automation.setDiskAutopilotStatus(
         storage_texts::complete(state_.diskStorageOffenders));
@@ -215,20 +224,16 @@ void StorageScan::finish() {
                                      dependencies_.ports.places.unreadableData));
 }
 
-void StorageScan::finishStopped() {
-    progressTimer_.reset();
-    const auto measuring = std::exchange(measuring_, nullptr);
-    const StorageScanProgress progress = measuring->progress(dependencies_.services.clock.now());
+void StorageScan::finishStopped(const Measuring& measuring) {
+    const StorageScanProgress progress = measuring.progress(dependencies_.services.clock.now());
     const std::size_t done = progress.areasDone;
     const std::size_t all = progress.areas;
-    std::vector<DiskStorageOffender> rows = rankedOffenders(measuring->measured(), std::nullopt);
+    std::vector<DiskStorageOffender> rows = rankedOffenders(measuring.measured(), std::nullopt);
     const std::size_t count = rows.size();
     // Rows of an earlier scan are better than none.
     if (!rows.empty()) {
         state_.diskStorageOffenders = std::move(rows);
     }
-    state_.diskStorageScanInProgress = false;
-    state_.isStopping = false;
     observable_->changed();
     dependencies_.automation.setDiskAutopilotStatus(storage_texts::stopped(done, all));
     dependencies_.services.log.recordEvent(ActivityKind::diskStorage,
@@ -236,7 +241,7 @@ void StorageScan::finishStopped() {
 }
 
 Outcome StorageScan::stop() {
-    if (!run_.stopOrForget([this] { finishStopped(); })) {
+    if (!run_.stopOrForget([this] { finish(); })) {
         return Outcome::ignored();
     }
     state_.isStopping = true;

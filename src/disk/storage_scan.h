@@ -85,7 +85,8 @@ private:
     void measure(const std::shared_ptr<Measuring>& measuring);
     void showProgress();
     void finish();
-    void finishStopped();
+    void finishComplete(const Measuring& measuring);
+    void finishStopped(const Measuring& measuring);
 
     Dependencies dependencies_;
     std::unique_ptr<Observable> observable_;

@@ -177,6 +177,30 @@ TEST_F(BackupTest, ACopyThatHangsIsGivenUpAfterAWhile) {
     EXPECT_THAT(events(), SizeIs(2));
 }
 
+TEST_F(BackupTest, ACopyThatHasEndedWhenItIsGivenUpIsToldAsItEnded) {
+    backUpTo("/media/disk");
+    workQueue.run();
+    files().stopBackup();
+    mainQueue.fireTimers();
+    mainQueue.drain();
+    EXPECT_FALSE(state().backup);
+    EXPECT_EQ(state().storageAnalyzerStatus, "Backup complete: film.mov");
+    EXPECT_THAT(events(), ElementsAre("Backup Receipt: Copied film.mov to /media/disk/film.mov. "
+                                      "The original remains in place."));
+    EXPECT_THAT(diskPorts.revealed, ElementsAre("/media/disk/film.mov"));
+}
+
+TEST_F(BackupTest, ACopyThatHasStoppedWhenItIsGivenUpIsToldAsStopped) {
+    backUpTo("/media/disk");
+    files().stopBackup();
+    workQueue.run();
+    mainQueue.fireTimers();
+    mainQueue.drain();
+    EXPECT_FALSE(state().backup);
+    EXPECT_EQ(state().storageAnalyzerStatus, "Backup of film.mov stopped. No copy was left.");
+    EXPECT_THAT(events(), SizeIs(1));
+}
+
 TEST_F(BackupTest, TheReviewedFileIsCopied) {
     backUpTo("/media/disk");
     finishWork();

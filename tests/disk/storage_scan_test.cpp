@@ -265,16 +265,41 @@ TEST_F(StorageScanTest, AStoppedScanShowsWhatItHasWithoutARemainder) {
 }
 
 TEST_F(StorageScanTest, AStopAfterTheLastAreaIsTooLate) {
-    storage().scanStorageAreas();
-    while (workQueue.pendingCount() > 0) {
-        workQueue.run();
+    for (const bool isGivenUp : {false, true}) {
+        storage().scanStorageAreas();
+        while (workQueue.pendingCount() > 0) {
+            workQueue.run();
+        }
+        EXPECT_EQ(storage().stop(), Outcome::asked());
+        if (isGivenUp) {
+            mainQueue.fireTimers();
+        }
+        mainQueue.drain();
+        EXPECT_THAT(rows(), SizeIs(4));
+        EXPECT_FALSE(state().diskStorageScanInProgress);
+        EXPECT_FALSE(state().isStopping);
+        EXPECT_EQ(status(), "Storage scan complete. Largest: two at 0.0 GB.");
     }
-    EXPECT_EQ(storage().stop(), Outcome::asked());
-    mainQueue.drain();
-    EXPECT_THAT(rows(), SizeIs(4));
-    EXPECT_FALSE(state().diskStorageScanInProgress);
-    EXPECT_FALSE(state().isStopping);
-    EXPECT_EQ(status(), "Storage scan complete. Largest: two at 0.0 GB.");
+}
+
+TEST_F(StorageScanTest, AStopBeforeTheHomeVolumeIsReadGivesNoRemainder) {
+    sample.setSnapshot(diskOf(100.0));
+    diskPorts.volumeOf = [this](const std::string& path) {
+        if (path == FakeDiskPorts::home) {
+            // The other workers do all there is to do, while this one hangs.
+            while (workQueue.pendingCount() > 0) {
+                workQueue.run();
+            }
+            storage().stop();
+            mainQueue.fireTimers();
+            EXPECT_EQ(status(), "Storage scan stopped after 6 of 6 areas.");
+            EXPECT_THAT(rows(), SizeIs(4));
+        }
+        return Volume{1, 1};
+    };
+    beginDisk();
+    scan();
+    EXPECT_EQ(status(), "Storage scan stopped after 6 of 6 areas.");
 }
 
 TEST_F(StorageScanTest, AStopEndsTheToolsAtOnceAndDoesNotCountTheirAreas) {
