@@ -70,6 +70,13 @@ bool isStranded(const TrashOutcome& outcome) {
     return outcome.error.find("in the Trash") != std::string::npos;
 }
 
+/// Whether something else than the reviewed file was on its way out of the Trash, and went back
+/// there.
+bool isStranded(const PutBackOutcome& outcome) {
+    return outcome.error == "Another file has taken its name" ||
+           outcome.error == "Its folder was moved meanwhile";
+}
+
 /// What one clean-up says that it did.
 struct CleanUp {
     std::vector<TrashOutcome> outcomes;
@@ -130,9 +137,8 @@ void undo(XdgTrash& trash, const World& world, unsigned seed, CleanUp& cleanUp,
             current = std::stoi(next.filename());
         }
     };
-    // What has come into a file's place meanwhile can go to the Trash in its stead.
     TellingTrash telling(trash, {}, [&](const TrashItem& item, const PutBackOutcome& outcome) {
-        if (outcome.result != PutBackOutcome::Result::done) {
+        if (isStranded(outcome)) {
             cleanUp.strandedFrom.insert(item.path);
         }
     });
