@@ -143,11 +143,13 @@ UndoLine undoLine(const DiskAutopilotState& state) {
             false};
     }
     const auto files = static_cast<std::int64_t>(state.undoableFiles);
-    return {(files == 1 ? u"%1 file of the latest cleanup can be put back while it is in Trash."_s
-                        : u"%1 files of the latest cleanup can be put back while they are in "
-                          "Trash."_s)
-                .arg(dashboard_text::count(files)),
-            true};
+    return {
+        (files == 1 ? u"%1 file of the latest cleanup can be put back while it is in Trash. Its "
+                      "space is free once the Trash is emptied."_s
+                    : u"%1 files of the latest cleanup can be put back while they are in Trash. "
+                      "Their space is free once the Trash is emptied."_s)
+            .arg(dashboard_text::count(files)),
+        true};
 }
 
 QString planSummary(const DiskCleanupPlan& plan) {

@@ -86,7 +86,12 @@ TEST(UndoLine, SaysWhetherAndHowMuch) {
     state.undoableFiles = 31;
     EXPECT_EQ(undoLine(state),
               (UndoLine{u"31 files of the latest cleanup can be put back while they are in "
-                        "Trash."_s,
+                        "Trash. Their space is free once the Trash is emptied."_s,
+                        true}));
+    state.undoableFiles = 1;
+    EXPECT_EQ(undoLine(state),
+              (UndoLine{u"1 file of the latest cleanup can be put back while it is in Trash. Its "
+                        "space is free once the Trash is emptied."_s,
                         true}));
     state.cleanup.emplace();
     EXPECT_EQ(undoLine(state),

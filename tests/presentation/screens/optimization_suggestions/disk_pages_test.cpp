@@ -13,6 +13,7 @@ namespace tallowcrest {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -118,6 +119,16 @@ TEST_F(DiskPagesTest, TheQuestionShowsEveryFileBeforeItIsMoved) {
                 StartsWith("Last cleanup moved 31 files"));
     EXPECT_THAT(textOf("cleanup.disk-autopilot-trust").toStdString(),
                 StartsWith("Learning 1 of 3 runs · 42%"));
+    for (const int width : {640, 900, 1600}) {
+        window().resize(width, 600);
+        settle();
+        EXPECT_THAT(visible<ElidedLabel>("cleanup.disk-autopilot-receipt-undo-words")
+                        ->shownLines()
+                        .last()
+                        .toStdString(),
+                    EndsWith("emptied."))
+            << width;
+    }
 }
 
 TEST_F(DiskPagesTest, UndoPutsBackWhatItCanAndTellsWhatItCannot) {
@@ -150,7 +161,8 @@ TEST_F(DiskPagesTest, UndoPutsBackWhatItCanAndTellsWhatItCannot) {
                 HasSubstr("Not put back: File exists (1 file); It is no longer in the Trash "
                           "(1 file)."));
     EXPECT_EQ(textOf("cleanup.disk-autopilot-receipt-undo-words"),
-              u"1 file of the latest cleanup can be put back while it is in Trash."_s);
+              u"1 file of the latest cleanup can be put back while it is in Trash. Its space is "
+              "free once the Trash is emptied."_s);
     disk.files.remove("/home/owner/.cache/b");
     click("cleanup.disk-autopilot-receipt-undo");
     finishWork();
@@ -180,7 +192,8 @@ TEST_F(DiskPagesTest, AStoppedUndoKeepsTheRestForAnotherOne) {
     EXPECT_THAT(textOf("overview.disk-autopilot-receipt-detail").toStdString(),
                 HasSubstr("Stopped before the last file."));
     EXPECT_EQ(textOf("overview.disk-autopilot-receipt-undo-words"),
-              u"1 file of the latest cleanup can be put back while it is in Trash."_s);
+              u"1 file of the latest cleanup can be put back while it is in Trash. Its space is "
+              "free once the Trash is emptied."_s);
 }
 
 TEST_F(DiskPagesTest, PersonalFilesAreListedRevealedCopiedAndMovedOneByOne) {

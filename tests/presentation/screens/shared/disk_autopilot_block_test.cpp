@@ -217,7 +217,8 @@ TEST_F(DiskAutopilotBlockTest, UndoStandsBelowTheLatestReceipt) {
     autopilot.undoableFiles = 31;
     show();
     EXPECT_EQ(textOf("overview.disk-autopilot-receipt-undo-words"),
-              u"31 files of the latest cleanup can be put back while they are in Trash."_s);
+              u"31 files of the latest cleanup can be put back while they are in Trash. Their "
+              "space is free once the Trash is emptied."_s);
     click("overview.disk-autopilot-receipt-undo");
     EXPECT_EQ(undos.count(), 1);
     autopilot.undoableFiles = 0;
