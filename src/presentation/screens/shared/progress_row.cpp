@@ -5,6 +5,7 @@
 
 #include "presentation/widgets/button.h"
 #include "presentation/widgets/elided_label.h"
+#include "presentation/widgets/settling_button.h"
 #include "presentation/widgets/theme.h"
 
 using namespace Qt::StringLiterals;
@@ -35,6 +36,10 @@ ProgressRow::ProgressRow(const QString& identifier, const QString& what, const B
     connect(stop_, &QPushButton::clicked, this, &ProgressRow::stopWanted);
     due_.setSingleShot(true);
     connect(&due_, &QTimer::timeout, this, &ProgressRow::showLatest);
+    placeKept_.setObjectName(u"placeKept"_s);
+    placeKept_.setSingleShot(true);
+    placeKept_.setInterval(SettlingButton::settlingTime);
+    connect(&placeKept_, &QTimer::timeout, this, [this] { keepPlaceWhenHidden(false); });
     hide();
 }
 
@@ -47,8 +52,10 @@ void ProgressRow::show(const QString& text, bool isStopping) {
             // Otherwise the focus would go to the control after this row, which a key may be about
             // to press.
             setButtonEnabled(*stop_, false);
+            keepPlaceWhenHidden(true);
             hide();
             setButtonEnabled(*stop_, true);
+            placeKept_.start();
         }
         return;
     }
@@ -59,7 +66,14 @@ void ProgressRow::show(const QString& text, bool isStopping) {
     } else if (!due_.isActive()) {
         due_.start(static_cast<int>(shortestInterval - elapsed));
     }
+    placeKept_.stop();
     setVisible(true);
+}
+
+void ProgressRow::keepPlaceWhenHidden(bool keeps) {
+    QSizePolicy policy = sizePolicy();
+    policy.setRetainSizeWhenHidden(keeps);
+    setSizePolicy(policy);
 }
 
 void ProgressRow::showLatest() {

@@ -10,8 +10,10 @@ namespace tallowcrest {
 
 class ElidedLabel;
 
-/// What is under way, how far it is, and a button that stops it. Hidden while nothing is. However
-/// often it is given a new text, it shows at most ten a second. For use on a card. Main thread.
+/// What is under way, how far it is, and a button that stops it. Hidden while nothing is; its place
+/// stays empty for a moment first, so that the second half of a double click on the button hits no
+/// other one. However often it is given a new text, it shows at most ten a second. For use on a
+/// card. Main thread.
 class ProgressRow final : public QWidget {
     Q_OBJECT
 
@@ -39,12 +41,14 @@ signals:
 
 private:
     void showLatest();
+    void keepPlaceWhenHidden(bool keeps);
 
     ElidedLabel* words_ = nullptr;
     QPushButton* stop_ = nullptr;
     QString latest_;
     QElapsedTimer sinceShown_;
     QTimer due_;
+    QTimer placeKept_{this};
 };
 
 }  // namespace tallowcrest

@@ -198,6 +198,34 @@ TEST_F(DiskAutopilotBlockTest, EachStopSaysWhatItLeavesAndEndsItsOwnWork) {
     EXPECT_EQ(searchStops.count() + cleanupStops.count(), 1);
 }
 
+TEST_F(DiskAutopilotBlockTest, WhatEndsKeepsItsPlaceForAMoment) {
+    sample();
+    autopilot.scan.emplace();
+    storage.diskStorageScanInProgress = true;
+    show();
+    const auto placeOf = [this](const char* name) {
+        return button(name).mapTo(&block, QPoint(0, 0));
+    };
+    const QPoint search = placeOf("overview.cleanup-search-progress-stop");
+    const QPoint measuring = placeOf("overview.scan-progress-stop");
+    const QPoint areas = visible("overview.storage-area-heading")->mapTo(&block, QPoint(0, 0));
+    auto* timer = visible("overview.cleanup-search-progress-stop")
+                      ->parent()
+                      ->findChild<QTimer*>(u"placeKept"_s);
+    ASSERT_NE(timer, nullptr);
+    timer->setInterval(std::chrono::hours(1));
+    autopilot.scan.reset();
+    show();
+    EXPECT_EQ(visible("overview.cleanup-search-progress-stop"), nullptr);
+    EXPECT_EQ(placeOf("overview.scan-progress-stop"), measuring);
+    EXPECT_EQ(visible("overview.storage-area-heading")->mapTo(&block, QPoint(0, 0)), areas);
+    timer->setInterval(0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return placeOf("overview.scan-progress-stop") == search; }));
+    autopilot.scan.emplace();
+    show();
+    EXPECT_EQ(placeOf("overview.scan-progress-stop"), measuring);
+}
+
 TEST_F(DiskAutopilotBlockTest, UndoStandsBelowTheLatestReceipt) {
     const QSignalSpy undos(&block, &DiskAutopilotBlock::undoWanted);
     sample();
