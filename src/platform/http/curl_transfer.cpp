@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <curl/curl.h>
 #include <netinet/in.h>
+#include <openssl/x509_vfy.h>
 
 #include <algorithm>
 #include <array>
@@ -147,6 +148,26 @@ bool hasHashedNames(const std::filesystem::path& folder) {
     return !error && entry != end;
 }
 
+/// Whether a transfer failed because the authority of a certificate was not found. Also true for a
+/// library that does not tell why it refused a certificate.
+bool lacksAuthority(CURL* easy) {
+    curl_tlssessioninfo* library = nullptr;
+    if (curl_easy_getinfo(easy, CURLINFO_TLS_SSL_PTR, &library) != CURLE_OK ||
+        library->backend != CURLSSLBACKEND_OPENSSL) {
+        return true;
+    }
+    const auto isMissing = [easy](CURLINFO which) {
+        long code = 0;
+        curl_easy_getinfo(easy, which, &code);
+        constexpr std::array codes{
+            X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT, X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY,
+            X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE, X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT,
+            X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN};
+        return std::find(codes.begin(), codes.end(), code) != codes.end();
+    };
+    return isMissing(CURLINFO_SSL_VERIFYRESULT) || isMissing(CURLINFO_PROXY_SSL_VERIFYRESULT);
+}
+
 HttpReply transferred(const CurlTransfer& transfer, const std::stop_token& stop) {
     const Url url(prepareCurl() ? curl_url() : nullptr);
     const Easy easy(url ? curl_easy_init() : nullptr);
@@ -220,7 +241,8 @@ HttpReply transferred(const CurlTransfer& transfer, const std::stop_token& stop)
     }
 
     CURLcode result = perform(easy.get(), stop);
-    if (result == CURLE_PEER_FAILED_VERIFICATION && areOfSystem && isLookUp) {
+    if (result == CURLE_PEER_FAILED_VERIFICATION && areOfSystem && isLookUp &&
+        lacksAuthority(easy.get())) {
         // The file can have authorities that the folder lacks. Nothing of the request was sent yet.
         set(CURLOPT_CAINFO, library.cainfo);
         curl_off_t microseconds = 0;
@@ -228,6 +250,9 @@ HttpReply transferred(const CurlTransfer& transfer, const std::stop_token& stop)
         if (const auto left = transfer.timeout.count() - microseconds / 1000;
             transfer.timeout.count() != 0) {
             set(CURLOPT_TIMEOUT_MS, static_cast<long>(std::max<std::int64_t>(left, 1)));
+        }
+        if (refused != CURLE_OK) {
+            return failure(curl_easy_strerror(refused));
         }
         result = perform(easy.get(), stop);
     }

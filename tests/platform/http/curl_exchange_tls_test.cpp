@@ -1,3 +1,4 @@
+#include <chrono>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -24,6 +25,14 @@ protected:
     static std::optional<std::string> failureOf(CurlExchange& exchange, const std::string& url) {
         const auto reply = post(exchange, url + "/text");
         return reply ? reply->transportError : "no reply in time";
+    }
+
+    /// Inside `inOwnMounts`: lets the system have these authorities.
+    static void mountAuthorities(const TestAuthority& ofFolder, const TestAuthority& ofFile) {
+        const std::string folder = ofFolder.folder();
+        std::filesystem::copy_file(ofFile.path(), folder + "/ca-certificates.crt",
+                                   std::filesystem::copy_options::overwrite_existing);
+        mountBind(folder, "/etc/ssl/certs");
     }
 
     TestAuthority authority_;
@@ -59,10 +68,7 @@ TEST_F(CurlExchangeTls, TheAuthoritiesOfTheSystemAreThoseOfItsFolderAndOfItsFile
     inOwnMounts([&] {
         const TestAuthority other;
         const auto failureWith = [&](const TestAuthority& ofFolder, const TestAuthority& ofFile) {
-            const std::string folder = ofFolder.folder();
-            std::filesystem::copy_file(ofFile.path(), folder + "/ca-certificates.crt",
-                                       std::filesystem::copy_options::overwrite_existing);
-            mountBind(folder, "/etc/ssl/certs");
+            mountAuthorities(ofFolder, ofFile);
             CurlExchange asShipped({});
             return failureOf(asShipped, provider.at("https://localhost"));
         };
@@ -70,6 +76,28 @@ TEST_F(CurlExchangeTls, TheAuthoritiesOfTheSystemAreThoseOfItsFolderAndOfItsFile
         EXPECT_EQ(failureWith(other, authority_), std::nullopt);
         EXPECT_THAT(failureWith(other, other),
                     Optional(HasSubstr("unable to get local issuer certificate")));
+    });
+}
+
+TEST_F(CurlExchangeTls, ACertificateWhoseAuthorityWasFoundIsNotTriedAgain) {
+    inOwnMounts([&] {
+        mountAuthorities(authority_, authority_);
+        CurlExchange asShipped({});
+        const auto expectOneTry = [&](const std::pair<std::string, std::string>& certificate,
+                                      const std::string& failure) {
+            TestProvider provider(certificate, std::chrono::milliseconds(0));
+            EXPECT_THAT(failureOf(asShipped, provider.at("https://localhost")),
+                        Optional(HasSubstr(failure)));
+            provider.end();
+            int connections = 0;
+            for (std::string line = provider.line(); !line.empty(); line = provider.line()) {
+                connections += line == "connected" ? 1 : 0;
+            }
+            EXPECT_EQ(connections, 1);
+        };
+        expectOneTry(authority_.certificate(allNames, -1), "certificate has expired");
+        expectOneTry(authority_.certificate("DNS:elsewhere.example"),
+                     "no alternative certificate subject name matches");
     });
 }
 

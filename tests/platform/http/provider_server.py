@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """A provider for the tests of the exchange, with a way of answering for each path.
 
-    provider_server.py ADDRESS [CERTIFICATE KEY]
+    provider_server.py ADDRESS [CERTIFICATE KEY [PAUSE]]
 
 Prints its port, then a line for each request ("POST /text" and, after blanks, the values of the
 headers in `SHOWN` and the body) and "gone" when a client leaves before its answer is complete.
-Without a certificate it speaks plain HTTP.
+Without a certificate it speaks plain HTTP. With a pause, in seconds, it prints "connected" for each
+connection and waits that long before the handshake.
 """
 
 import socket
@@ -88,9 +89,10 @@ def receive(stream):
     return method, target, fields, stream.read(int(fields.get("content-length", 0))).decode()
 
 
-def handle(connection, context):
+def handle(connection, context, pause):
     try:
         if context:
+            time.sleep(pause)
             connection = context.wrap_socket(connection, server_side=True)
         with connection:
             method, target, fields, body = receive(connection.makefile("rb"))
@@ -103,7 +105,7 @@ def handle(connection, context):
         say("gone")
 
 
-def main(address, certificate=None, key=None):
+def main(address, certificate=None, key=None, pause=None):
     context = None
     if certificate:
         context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
@@ -113,7 +115,10 @@ def main(address, certificate=None, key=None):
         say(str(listener.getsockname()[1]))
         while True:
             connection, _ = listener.accept()
-            threading.Thread(target=handle, args=(connection, context), daemon=True).start()
+            if pause is not None:
+                say("connected")
+            threading.Thread(target=handle, args=(connection, context, float(pause or 0)),
+                             daemon=True).start()
 
 
 if __name__ == "__main__":

@@ -57,6 +57,11 @@ public:
     explicit TestProvider(const std::pair<std::string, std::string>& certificate,
                           const std::string& address = "127.0.0.1")
         : TestProvider(std::vector<std::string>{address, certificate.first, certificate.second}) {}
+    /// Tells each connection, and waits before its handshake.
+    TestProvider(const std::pair<std::string, std::string>& certificate,
+                 std::chrono::milliseconds pause)
+        : TestProvider({"127.0.0.1", certificate.first, certificate.second,
+                        std::to_string(std::chrono::duration<double>(pause).count())}) {}
 
     /// "https://HOST:port", with this server's port.
     std::string at(const std::string& host) const { return host + ':' + port_; }
@@ -64,6 +69,8 @@ public:
 
     /// The next line that it prints.
     std::string line() { return program_.line(); }
+    /// Kills it. `line()` still returns what it has printed.
+    void end() { program_.end(); }
 
 private:
     explicit TestProvider(std::vector<std::string> arguments)
