@@ -101,6 +101,20 @@ TEST_F(CurlExchangeTls, ACertificateWhoseAuthorityWasFoundIsNotTriedAgain) {
     });
 }
 
+TEST_F(CurlExchangeTls, TheSecondTryEndsWithTheTimeLimitOfTheFirst) {
+    inOwnMounts([&] {
+        const TestAuthority other;
+        mountAuthorities(other, authority_);
+        // Each try takes 1.5 seconds, so that both take longer than the limit, and each one less.
+        TestProvider slow(authority_.certificate(allNames), std::chrono::milliseconds(1500));
+        CurlExchange asShipped({});
+        const auto reply = post(asShipped, slow.at("https://localhost") + "/text",
+                                std::chrono::seconds(30), std::chrono::seconds(2));
+        ASSERT_TRUE(reply);
+        EXPECT_THAT(reply->transportError, Optional(HasSubstr("timed out")));
+    });
+}
+
 TEST_F(CurlExchangeTls, OverTheNewerKindOfAddressToo) {
     TestProvider provider(authority_.certificate(allNames), "::1");
     EXPECT_EQ(failureOf(exchange_, provider.at("https://[::1]")), std::nullopt);
