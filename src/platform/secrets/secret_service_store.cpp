@@ -145,7 +145,7 @@ public:
                                          cancelled_.get(), nullptr) != FALSE;
     }
 
-    /// Asks the owner if an item is locked.
+    /// The library leaves locked items. The service may ask the owner about the others.
     void clear() {
         cancelled_.limitAgain(limits_.unlock);
         secret_service_clear_sync(service_.get(), &schema(), attributes_.get(), cancelled_.get(),

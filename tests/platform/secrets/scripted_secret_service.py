@@ -8,8 +8,9 @@ It has one locked item, whose secret is "sk-scripted", and knows only unencrypte
 
     willing            opens the lock when asked
     silent             never answers a search
-    dies               ends in a search
+    dies               ends in a search, and when it is given a secret
     dies-in-prompt     ends while it asks the owner
+    dies-in-delete     has its item unlocked, and ends when it is to delete it
     silent-in-prompt   asks the owner, and hears nothing more, not even that it should stop asking
 """
 
@@ -25,6 +26,7 @@ ROOT = "/org/freedesktop/secrets"
 ITEM = ROOT + "/collection/one/1"
 PROMPT = ROOT + "/prompt/1"
 SESSION = ROOT + "/session/1"
+DEFAULT = ROOT + "/aliases/default"
 SECRET = "org.freedesktop.Secret."
 MODE = sys.argv[1]
 
@@ -58,19 +60,36 @@ class Service(Object):
         say("SearchItems")
         if MODE == "dies":
             os._exit(1)
-        if MODE != "silent":
-            answer([], [dbus.ObjectPath(ITEM)])
+        item = [dbus.ObjectPath(ITEM)]
+        if MODE == "dies-in-delete":
+            answer(item, [])
+        elif MODE != "silent":
+            answer([], item)
 
     @dbus.service.method(SECRET + "Service", in_signature="ao", out_signature="aoo")
     def Unlock(self, _objects):
         return [], dbus.ObjectPath(PROMPT)
 
 
+class Collection(Object):
+    @dbus.service.method(SECRET + "Collection", in_signature="a{sv}(oayays)b", out_signature="oo")
+    def CreateItem(self, _properties, _secret, _replace):
+        say("CreateItem")
+        if MODE == "dies":
+            os._exit(1)
+        return dbus.ObjectPath("/"), dbus.ObjectPath(PROMPT)
+
+
 class Item(Object):
     properties = dbus.Dictionary({
-        "Locked": dbus.Boolean(True), "Label": "Scripted",
+        "Locked": dbus.Boolean(MODE != "dies-in-delete"), "Label": "Scripted",
         "Attributes": dbus.Dictionary(signature="ss"),
         "Created": dbus.UInt64(1), "Modified": dbus.UInt64(1)}, signature="sv")
+
+    @dbus.service.method(SECRET + "Item", in_signature="", out_signature="o")
+    def Delete(self):
+        say("Delete")
+        os._exit(1)
 
     @dbus.service.method(SECRET + "Item", in_signature="o", out_signature="(oayays)")
     def GetSecret(self, session):
@@ -100,7 +119,7 @@ class Prompt(Object):
 
 dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
 bus = dbus.SessionBus()
-objects = [Service(bus, ROOT), Item(bus, ITEM), Prompt(bus, PROMPT)]
+objects = [Service(bus, ROOT), Collection(bus, DEFAULT), Item(bus, ITEM), Prompt(bus, PROMPT)]
 name = dbus.service.BusName("org.freedesktop.secrets", bus)
 say("ready")
 GLib.MainLoop().run()

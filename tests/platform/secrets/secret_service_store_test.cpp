@@ -175,6 +175,30 @@ TEST_F(SecretServiceStoreTest, AServiceThatDiesIsNoSecret) {
     EXPECT_EQ(textOf(store_.read()), std::nullopt);
 }
 
+TEST_F(SecretServiceStoreTest, AServiceThatDiesHasStoredNothing) {
+    {
+        Script service("scripted_secret_service.py", "dies");
+        EXPECT_FALSE(store_.add(SecretText(key)));
+        EXPECT_EQ(service.line(), "CreateItem");
+    }
+    Script service("scripted_secret_service.py", "dies-in-prompt");
+    EXPECT_FALSE(store_.add(SecretText(key)));
+    EXPECT_EQ(service.line(), "CreateItem");
+    EXPECT_EQ(service.line(), "Prompt");
+}
+
+TEST_F(SecretServiceStoreTest, AServiceThatDiesHasRemovedNothing) {
+    {
+        Script service("scripted_secret_service.py", "dies");
+        EXPECT_FALSE(store_.remove());
+        EXPECT_EQ(service.line(), "SearchItems");
+    }
+    Script service("scripted_secret_service.py", "dies-in-delete");
+    EXPECT_FALSE(store_.remove());
+    EXPECT_EQ(service.line(), "SearchItems");
+    EXPECT_EQ(service.line(), "Delete");
+}
+
 TEST_F(SecretServiceStoreTest, ABusThatDiesIsNoSecret) {
     Script service("scripted_secret_service.py", "silent");
     auto read = readInBackground();
