@@ -257,9 +257,6 @@ Outcome Provider::sendAIAnalysis() {
         return Outcome::ignored();
     }
     const Consent consent = presentConsent();
-    if (!consent.endpoint) {
-        return dependencies_.sample.snapshot() ? fallBack() : refuseWithoutSample();
-    }
     return dependencies_.key.readAccess(
         jobs_, [this] { setBusy(AnalysisWait::key); },
         [endpoint = consent.endpoint] { return endpoint; },
@@ -278,6 +275,10 @@ Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access, bool 
     if (!report) {
         setIdle();
         return refuseWithoutSample();
+    }
+    if (!access->endpoint) {
+        setIdle();
+        return fallBack();
     }
     state_.askedService = access->endpoint->service;
     setBusy(AnalysisWait::service);

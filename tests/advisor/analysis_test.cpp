@@ -301,6 +301,12 @@ TEST_F(Analysis, AStoredEndpointThatMustNotBeUsedFallsBack) {
     analyze();
     EXPECT_THAT(insight(), StartsWith("Paid AI is currently unavailable"));
     EXPECT_THAT(fakes.http->sent, IsEmpty());
+    // Without a key nothing would be asked, so that is no fallback.
+    fakes.secrets->secret.reset();
+    ASSERT_TRUE(provider().state().openAIKeySaved);
+    analyze();
+    EXPECT_EQ(insight(), "On-device analysis: " + std::string(localText));
+    EXPECT_FALSE(isBusy());
 }
 
 TEST_F(Analysis, TheSwitchForSafeActionsIsThatOfTheBeginning) {

@@ -90,17 +90,16 @@ TEST_F(OpenQuestion, IsNotAskedWhileAnAnalysisIsUnderWay) {
 TEST_F(OpenQuestion, IsNotAskedAboutAnAddressThatMustNotBeUsed) {
     settings.set(&Settings::aiEndpoint, "http://example.org");
     log.clearActivityLog();
-    EXPECT_EQ(confirmations.confirmPending(),
-              Outcome::done("Completed on-device fallback analysis."));
+    EXPECT_EQ(confirmations.confirmPending(), Outcome::asked());
     EXPECT_FALSE(isOpen());
-    EXPECT_EQ(provider().requestAIAnalysis(),
-              Outcome::done("Completed on-device fallback analysis."));
+    finishWork();
+    EXPECT_EQ(provider().requestAIAnalysis(), Outcome::asked());
     EXPECT_FALSE(isOpen());
+    finishWork();
     EXPECT_THAT(insight(), StartsWith("Paid AI is currently unavailable"));
     EXPECT_EQ(log.activityLog().front().detail,
               "Paid AI was unavailable; used on-device guidance instead.");
-    finishWork();
-    EXPECT_EQ(fakes.secrets->reads, 0) << "not even the key is read";
+    EXPECT_FALSE(provider().state().aiBusy);
     EXPECT_THAT(fakes.http->sent, IsEmpty());
 }
 
@@ -109,8 +108,9 @@ TEST_F(OpenQuestion, WithoutASampleAnAddressThatMustNotBeUsedIsNotTried) {
     fresh.settings.set(&Settings::aiEndpoint, "http://example.org");
     for (const bool asksFirst : {true, false}) {
         fresh.settings.set(&Settings::aiRequirePreview, asksFirst);
-        EXPECT_EQ(fresh.advisor->provider.requestAIAnalysis(),
-                  Outcome::refused("No diagnostic sample is available yet."));
+        fresh.advisor->provider.requestAIAnalysis();
+        fresh.finishWork();
+        EXPECT_EQ(fresh.insight(), "No diagnostic sample is available yet.");
         EXPECT_THAT(fresh.events(), IsEmpty());
     }
 }
