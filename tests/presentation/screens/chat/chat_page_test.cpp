@@ -215,10 +215,12 @@ TEST_F(ChatPageTest, AskSendsAPromptAtOnceAndKeepsItWhileBusy) {
     EXPECT_EQ(input().toPlainText(), u"How do I relieve memory pressure on this machine?"_s);
 }
 
-TEST_F(ChatPageTest, SettingsOpensTheSheet) {
+TEST_F(ChatPageTest, SettingsOpensTheSheetWhereAKeyIsSaved) {
     showChat();
+    window().state().navigation.setSettingsTab(SettingsTabKind::safety);
     click("chat.settings");
     EXPECT_NE(visible("settings.sheet"), nullptr);
+    EXPECT_EQ(window().state().navigation.settingsTab(), SettingsTabKind::ai);
 }
 
 // Waiting ----------------------------------------------------------------------------------------
