@@ -181,6 +181,7 @@ void AdvisorPage::refresh() {
 
 void AdvisorPage::hideEvent(QHideEvent* event) {
     Screen::hideEvent(event);
+    second_->stop();
     isReading_ = false;
 }
 
@@ -230,7 +231,7 @@ void AdvisorPage::showSuggestions() {
 
 void AdvisorPage::showProgress() {
     const ProviderState& state = monitor_.advisor().provider.state();
-    if (!state.aiBusy || !isVisible()) {
+    if (!state.aiBusy) {
         second_->stop();
     } else if (!second_->isActive()) {
         second_->start();
