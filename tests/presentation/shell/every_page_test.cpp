@@ -1,3 +1,5 @@
+#include "presentation/screens/shared/screen.h"
+#include "presentation/widgets/elided_label.h"
 #include "tests/presentation/window_fixture.h"
 
 using namespace Qt::StringLiterals;

@@ -49,6 +49,7 @@ QWidget* GuidanceCard::makeConnection() {
     row->setSpacing(spacing::unit);
     connectionIcon_ =
         new IconView(u"desktopcomputer"_s, &CrestTheme::secondaryText, spacing::iconSmall, line);
+    connectionIcon_->setObjectName(u"ai.connection-icon"_s);
     connection_ = new ElidedLabel(onCard(&CrestFonts::body), line);
     connection_->setObjectName(u"ai.connection-state"_s);
     row->addWidget(connectionIcon_);

@@ -43,6 +43,7 @@ SuggestionRow::SuggestionRow(const QString& identifier, QWidget* parent) : QWidg
     row->setContentsMargins(0, spacing::unit + 1, 0, spacing::unit / 2);
     row->setSpacing(spacing::unit);
     icon_ = new IconView(u"circle"_s, &CrestTheme::secondaryText, spacing::iconSmall, this);
+    icon_->setObjectName(identifier + u".icon"_s);
     row->addWidget(icon_, 0, Qt::AlignTop);
     auto* words = new QVBoxLayout;
     words->setSpacing(2);

@@ -48,6 +48,7 @@ TEST_F(AdvisorActionsTest, ASuggestionIsApprovedAndThenRun) {
     EXPECT_EQ(textOf("ai.suggestion-1.detail"), u"Because of select_top"_s);
     EXPECT_EQ(textOf("ai.suggestion-1.risk"), u"Risk: low"_s);
     EXPECT_EQ(textOf("ai.suggestion-1.state"), u"Not approved"_s);
+    EXPECT_EQ(iconOf("ai.suggestion-1.icon"), u"circle"_s);
     EXPECT_EQ(textOf("ai.suggestion-2.risk"), u"Risk: medium"_s);
     EXPECT_EQ(visible("ai.suggestion-3"), nullptr);
     EXPECT_EQ(button("ai.suggestion-1.run").text(), u"Select Top"_s);
@@ -62,7 +63,9 @@ TEST_F(AdvisorActionsTest, ASuggestionIsApprovedAndThenRun) {
     EXPECT_EQ(textOf("ai.suggestions.refusal"), u"(not shown)"_s);
     EXPECT_EQ(lastAction(), "Approved AI action: Do select_top.");
     EXPECT_EQ(textOf("ai.suggestion-1.state"), u"Approved"_s);
+    EXPECT_EQ(iconOf("ai.suggestion-1.icon"), u"checkmark.circle.fill"_s);
     EXPECT_EQ(textOf("ai.suggestion-2.state"), u"Not approved"_s);
+    EXPECT_EQ(iconOf("ai.suggestion-2.icon"), u"circle"_s);
     EXPECT_EQ(selectedPID(), std::nullopt) << "approving runs nothing";
     click("ai.suggestion-1.run");
     EXPECT_EQ(selectedPID(), 800);

@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include "advisor/advisor.h"
+#include "presentation/widgets/icon.h"
 #include "presentation/widgets/selectable_text.h"
 #include "tests/presentation/window_fixture.h"
 #include "tests/support/fake_advisor_ports.h"
@@ -49,6 +50,13 @@ protected:
     }
 
     QString answer() { return visible<SelectableText>("ai.insight")->shownText(); }
+    /// The icon of a card or, by its own name, of a line.
+    QString iconOf(const char* identifier) {
+        QWidget* const widget = visible(identifier);
+        const auto* icon = qobject_cast<IconView*>(widget);
+        // The heading of a card comes first.
+        return (icon != nullptr ? icon : widget->findChild<IconView*>())->icon();
+    }
     QPushButton& button(const char* identifier) { return *visible<QPushButton>(identifier); }
 
     FakeAdvisorPorts fakes;
