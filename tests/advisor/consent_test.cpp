@@ -108,7 +108,9 @@ TEST_F(OpenQuestion, WithoutASampleAnAddressThatMustNotBeUsedIsNotTried) {
     fresh.settings.set(&Settings::aiEndpoint, "http://example.org");
     for (const bool asksFirst : {true, false}) {
         fresh.settings.set(&Settings::aiRequirePreview, asksFirst);
-        fresh.advisor->provider.requestAIAnalysis();
+        EXPECT_EQ(fresh.advisor->provider.requestAIAnalysis(),
+                  asksFirst ? Outcome::refused("No diagnostic sample is available yet.")
+                            : Outcome::asked());
         fresh.finishWork();
         EXPECT_EQ(fresh.insight(), "No diagnostic sample is available yet.");
         EXPECT_THAT(fresh.events(), IsEmpty());

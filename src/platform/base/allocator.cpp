@@ -14,4 +14,10 @@ void useOneArena() {
 #endif
 }
 
+void returnFreedMemory() {
+#if defined(__GLIBC__)
+    ::malloc_trim(0);
+#endif
+}
+
 }  // namespace tallowcrest

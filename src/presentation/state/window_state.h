@@ -45,6 +45,10 @@ public:
     /// The tab that the settings sheet shows.
     SettingsTabKind settingsTab() const { return settingsTab_; }
     void setSettingsTab(SettingsTabKind tab) { set(settingsTab_, tab); }
+    void openSettings(SettingsTabKind tab) {
+        setSettingsTab(tab);
+        setShowSettings(true);
+    }
 
     /// The identifier of the remote machine under inspection; empty until the owner chooses one.
     /// The machine may have left the tailnet since.

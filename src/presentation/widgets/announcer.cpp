@@ -20,6 +20,9 @@ public:
     explicit Announcer(QWidget* window) : QWidget(window) {
         installAccessibleFigures();
         setObjectName(identifier());
+        if (!window->isVisible()) {
+            hide();  // or it would be shown together with the window
+        }
     }
 
     static QString identifier() { return u"announcer"_s; }

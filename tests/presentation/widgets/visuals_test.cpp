@@ -78,10 +78,13 @@ TEST(ElidedLabel, NewFiguresLookAsInAFreshLabel) {
                 kept.setText(text);
                 ElidedLabel fresh;
                 fresh.setLines(1, lines);
-                fresh.resize(width, 80);
                 fresh.setText(text);
-                EXPECT_EQ(kept.shownLines(), fresh.shownLines())
-                    << width << " " << lines << " " << figure;
+                for (const int shown : {width + 40, width}) {
+                    kept.resize(shown, 80);
+                    fresh.resize(shown, 80);
+                    EXPECT_EQ(kept.shownLines(), fresh.shownLines())
+                        << shown << " " << lines << " " << figure;
+                }
                 EXPECT_EQ(kept.sizeHint(), fresh.sizeHint());
             }
         }

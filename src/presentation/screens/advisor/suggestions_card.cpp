@@ -91,13 +91,13 @@ void SuggestionRow::paintEvent(QPaintEvent*) {
 SuggestionsCard::SuggestionsCard(QWidget* parent) : Card(parent) {
     setObjectName(u"ai.suggestions"_s);
     setHeader(u"checklist.checked"_s, u"Suggested Actions"_s);
-    auto* note = new ElidedLabel(
+    note_ = new ElidedLabel(
         u"AI safe actions can only select a process, scan remotes, or purge caches when memory "
         "pressure is already high. Quitting remains manual."_s,
         onCard(&CrestFonts::caption, &CrestTheme::secondaryText), this);
-    note->setObjectName(u"ai.suggestions.note"_s);
-    note->setLines(1, 4);
-    contentLayout()->addWidget(note);
+    note_->setObjectName(u"ai.suggestions.note"_s);
+    note_->setLines(1, 4);
+    contentLayout()->addWidget(note_);
     contentLayout()->addWidget(makeButtons());
     refusal_ = new RefusalLine(u"ai.suggestions.refusal"_s, this);
     contentLayout()->addWidget(refusal_);
@@ -157,12 +157,12 @@ void SuggestionsCard::show(const std::vector<advisor_lines::SuggestionLine>& lin
         if (i < shown_.size()) {
             // The width that it gets, or the texts of a new row would be laid out for another
             // first.
-            rows_[i]->resize(empty_->width(), rows_[i]->height());
+            rows_[i]->resize(note_->width(), rows_[i]->height());
             rows_[i]->setLine(shown_[i]);
         }
         rows_[i]->setVisible(i < shown_.size());
     }
-    list_->resize(empty_->width(), list_->height());
+    list_->resize(note_->width(), list_->height());
     // After the first rows, so that the page is laid out once and not for each of them.
     list_->setVisible(!shown_.empty());
 }

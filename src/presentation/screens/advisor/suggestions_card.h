@@ -72,6 +72,7 @@ private:
     void withShown(std::size_t row, void (SuggestionsCard::*wanted)(const UUID&));
 
     RefusalLine* refusal_ = nullptr;
+    ElidedLabel* note_ = nullptr;
     ElidedLabel* empty_ = nullptr;
     QWidget* list_ = nullptr;  ///< has the rows; hidden without any
     std::vector<SuggestionRow*> rows_;

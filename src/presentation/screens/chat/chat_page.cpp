@@ -201,10 +201,8 @@ void ChatPage::makeComposer() {
     connect(composer_, &ChatComposer::textEdited, this,
             [this](const QString& text) { chat().setAIChatInput(text.toStdString()); });
     connect(composer_, &ChatComposer::sendWanted, this, &ChatPage::send);
-    connect(composer_, &ChatComposer::settingsWanted, this, [this] {
-        state_.navigation.setSettingsTab(SettingsTabKind::ai);
-        state_.navigation.setShowSettings(true);
-    });
+    connect(composer_, &ChatComposer::settingsWanted, this,
+            [this] { state_.navigation.openSettings(SettingsTabKind::ai); });
 }
 
 void ChatPage::place() {

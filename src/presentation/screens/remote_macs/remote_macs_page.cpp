@@ -109,9 +109,9 @@ void RemoteMacsPage::connectParts() {
     connect(setup_, &SetupChecklistCard::setupScriptWanted, this,
             [&remote] { remote.actions.exportRemoteSetupScript(); });
     connect(tailscale_, &TailscaleBlock::automationSettingsWanted, this,
-            [this] { openSettings(SettingsTabKind::automation); });
+            [this] { state_.navigation.openSettings(SettingsTabKind::automation); });
     connect(setup_, &SetupChecklistCard::settingsWanted, this,
-            [this] { openSettings(SettingsTabKind::remote); });
+            [this] { state_.navigation.openSettings(SettingsTabKind::remote); });
 }
 
 void RemoteMacsPage::connectMachines() {
@@ -288,11 +288,6 @@ void RemoteMacsPage::scan() {
     } else {
         monitor_.remote().scan.scanRemoteMacs();
     }
-}
-
-void RemoteMacsPage::openSettings(SettingsTabKind tab) {
-    state_.navigation.setSettingsTab(tab);
-    state_.navigation.setShowSettings(true);
 }
 
 void RemoteMacsPage::scrollTo(QWidget& part) {

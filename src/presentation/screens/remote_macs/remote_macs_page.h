@@ -57,7 +57,6 @@ private:
     RemoteProfile scannedProfile() const;
     /// Starts a scan, or shows how far the running one is.
     void scan();
-    void openSettings(SettingsTabKind tab);
     /// Scrolls a part of the page to the top of the view.
     void scrollTo(QWidget& part);
     /// The same, and moves the keyboard focus to a control of that part.

@@ -66,7 +66,6 @@ void ProgressRow::show(const QString& text, bool isStopping) {
     } else if (!due_.isActive()) {
         due_.start(static_cast<int>(shortestInterval - elapsed));
     }
-    placeKept_.stop();
     setVisible(true);
 }
 
