@@ -4,6 +4,7 @@
 #include "presentation/shell/menu_bar_entries.h"
 #include "presentation/shell/menu_bar_panel.h"
 #include "presentation/widgets/accessibility.h"
+#include "presentation/widgets/announcer.h"
 #include "presentation/widgets/gauge_card.h"
 #include "tests/presentation/screens/overview/overview_fixture.h"
 
@@ -31,6 +32,25 @@ TEST(Announcements, AnUnchangedTextIsNotRepeated) {
     EXPECT_EQ(widget.accessibleName(), u"other"_s);
     widget.setAccessibleName(u"other"_s);
     EXPECT_THAT(heard.repeated(), ElementsAre("probe: other")) << "Qt itself announces it again";
+}
+
+TEST(Announcements, TheLatestTextsOfAWindowCanStillBeRead) {
+    QWidget window;
+    const Announcements heard;
+    std::vector<std::string> latest;
+    for (int i = 1; i <= 20; ++i) {
+        const QString text = u"announcement %1"_s.arg(i);
+        announce(window, text);
+        if (i > 4) {
+            latest.push_back(text.toStdString());
+        }
+    }
+    EXPECT_EQ(heard.said(), latest);
+    EXPECT_EQ(window.findChildren<QWidget*>(u"announcer"_s).size(), 16);
+    window.show();
+    for (const QWidget* announcer : window.findChildren<QWidget*>(u"announcer"_s)) {
+        EXPECT_FALSE(announcer->isVisible()) << "not with the window either";
+    }
 }
 
 TEST(Announcements, AGaugeAnnouncesANewValueOnce) {
