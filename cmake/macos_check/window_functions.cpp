@@ -1,17 +1,18 @@
 // In the place of what Objective-C++ defines, which no compiler here reads. scripts/macos-check
-// requires that each line that ends in "{" or "(" is in an Objective-C++ file too, and what that
-// file uses of this system's own is used here, so that it is looked at when that is renamed.
+// requires that each line that ends in "{" or "(" is in the Objective-C++ files too, once, and that
+// each header of this system's own that they include is included here. What they use of these
+// headers is used here, so that they are looked at when that is renamed.
 
 #include "core/text.h"
 #include "platform/desktop/user_notification_center.h"
 #include "platform/desktop_services.h"
 #include "platform/trash/finder_trash.h"
 
-namespace tallowcrest {
-
-FinderTrash::Moved moveByFinder(const std::string& path) {
+tallowcrest::FinderTrash::Moved tallowcrest::moveByFinder(const std::string& path) {
     return {.isDone = true, .stored = path, .error = path};
 }
+
+namespace tallowcrest {
 
 struct UserNotificationCenter::Objects {
     std::function<void(const std::string& identifier)> respond;
@@ -19,7 +20,7 @@ struct UserNotificationCenter::Objects {
 };
 
 UserNotificationCenter::UserNotificationCenter() : objects_(std::make_unique<Objects>()) {
-    objects_->shown.emplace_back(tallowcrest::NotificationCenter::plainClick);
+    objects_->shown = {tallowcrest::NotificationCenter::plainClick};
 }
 
 UserNotificationCenter::~UserNotificationCenter() {

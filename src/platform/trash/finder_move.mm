@@ -2,9 +2,7 @@
 
 #include "platform/trash/finder_trash.h"
 
-namespace tallowcrest {
-
-FinderTrash::Moved moveByFinder(const std::string& path) {
+tallowcrest::FinderTrash::Moved tallowcrest::moveByFinder(const std::string& path) {
     @autoreleasepool {
         NSURL* const url = [NSURL fileURLWithFileSystemRepresentation:path.c_str()
                                                           isDirectory:NO
@@ -20,5 +18,3 @@ FinderTrash::Moved moveByFinder(const std::string& path) {
         return {.isDone = true, .stored = stored == nil ? "" : stored.fileSystemRepresentation};
     }
 }
-
-}  // namespace tallowcrest

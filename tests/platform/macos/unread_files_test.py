@@ -5,6 +5,7 @@
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -44,14 +45,19 @@ class UnreadFiles(unittest.TestCase):
 
     def test_each_line_that_nothing_here_follows(self):
         text = self.file.read_text(encoding="utf-8")
-        (self.copy / "src/platform/read_by_none.h").write_text("")
         for line, complaint in (
                 ("#include <sys/epoll.h>", "includes <sys/epoll.h>, which is not among those"),
                 (" # import  <Cocoa/Cocoa.h>", "includes <Cocoa/Cocoa.h>, which is not"),
                 ('#include "platform/gone.h"', 'includes "platform/gone.h", which is not there'),
-                ('#include "platform/read_by_none.h"',
-                 'includes "platform/read_by_none.h", which no compiler reads'),
+                ('#include "platform/secrets/g_handles.h"',
+                 'includes "platform/secrets/g_handles.h", which cmake/macos_check/'),
                 ("@import AppKit;", "has the line '@import AppKit;'"),
+                ('_Pragma("clang module import AppKit")', "has the line '_Pragma("),
+                ("#if 0", "has the line '#if 0'"),
+                ("  # define INSTEAD", "has the line '  # define INSTEAD'"),
+                ("%:if 0", "has the line '%:if 0'"),
+                ("int one; /*", "has the line 'int one; /*'"),
+                ('const char* text = R"(', 'has the line \'const char* text = R"('),
                 ("/**/ #include <sys/epoll.h>", "has the line '/**/ #include <sys/epoll.h>'"),
                 ("# /**/ import <Cocoa/Cocoa.h>", "has the line '# /**/ import"),
                 ("%:include <sys/epoll.h>", "has the line '%:include"),
@@ -79,12 +85,28 @@ class UnreadFiles(unittest.TestCase):
         for other in ("", line.replace("std::filesystem::path", "std::string")):
             with self.subTest(other):
                 self.file.write_text(text.replace(line, other), encoding="utf-8")
-                self.assertIn(f"no file of Objective-C++ has the line '{line}'", self.complaint())
+                self.assertIn(f"do not have the line '{line}' exactly once", self.complaint())
+
+    def test_each_file_with_its_functions_in_another_namespace(self):
+        files = list((self.copy / "src").rglob("*.mm"))
+        self.assertNotEqual(files, [])
+        for file in files:
+            with self.subTest(file.name):
+                text = file.read_text(encoding="utf-8")
+                other = re.sub("(?m)^(namespace |tallowcrest::.* )tallowcrest", r"\1tallow", text)
+                self.assertNotEqual(other, text)
+                file.write_text(other, encoding="utf-8")
+                self.assertRegex(self.complaint(), "do not have the line '.*tallowcrest.*' exactly")
+                file.write_text(text, encoding="utf-8")
+
+    def test_a_function_in_two_files(self):
+        self.add("namespace tallowcrest {\n}\n")
+        self.assertIn("the line 'namespace tallowcrest {' exactly once", self.complaint())
 
     def test_no_file_at_all(self):
         for file in (self.copy / "src").rglob("*.mm"):
             file.unlink()
-        self.assertIn("no file of Objective-C++ has the line", self.complaint())
+        self.assertIn("do not have the line", self.complaint())
 
 
 if __name__ == "__main__":
