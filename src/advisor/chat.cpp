@@ -91,8 +91,11 @@ Outcome Chat::sendChatMessage() {
         jobs_, [this] { setBusy(true, true); },
         // The settings as they are by then: they can change while the key is read.
         [this] { return endpointFrom(services_.settings.values().aiEndpoint); },
-        [this, question](std::optional<ProviderAccess> access) {
-            return sendWith(std::move(access), question);
+        // Except redaction that is turned off meanwhile.
+        [this, question, isRedacted = services_.settings.values().aiRedactProcessDetails](
+            std::optional<ProviderAccess> access) {
+            return sendWith(std::move(access), question,
+                            isRedacted || services_.settings.values().aiRedactProcessDetails);
         });
 }
 
@@ -103,12 +106,13 @@ Outcome Chat::answerOnThisMachine(const std::string& question) {
     return record("Answered with on-device guidance.");
 }
 
-Outcome Chat::sendWith(std::optional<ProviderAccess> access, const std::string& question) {
+Outcome Chat::sendWith(std::optional<ProviderAccess> access, const std::string& question,
+                       bool isRedacted) {
     if (!access) {
         setBusy(false);
         return answerOnThisMachine(question);
     }
-    auto report = reports_.diagnosticsReport(services_.settings.values().aiRedactProcessDetails);
+    auto report = reports_.diagnosticsReport(isRedacted);
     if (!report) {
         setBusy(false);
         addMessage(advisorRole, std::string(noSampleAnswer));

@@ -20,6 +20,7 @@ using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
@@ -33,6 +34,12 @@ class ChatTest : public ::testing::Test, protected AdvisorMachine {
 protected:
     Chat& chat() { return advisor->chat; }
     void storeKey() { fakes.secrets->secret = "sk-key"; }
+    /// There is a sample, a key, and a service that answers.
+    void makeReady() {
+        takeSample();
+        storeKey();
+        fakes.http->willSay("answer");
+    }
 
     Outcome ask(const std::string& question) {
         Outcome outcome = chat().askQuickQuestion(question);
@@ -112,19 +119,15 @@ TEST_F(ChatTest, WithoutASecretStoreThisMachineAnswersAtOnce) {
 }
 
 TEST_F(ChatTest, TheKeyItselfDecidesAndNotTheBelief) {
-    takeSample();
-    storeKey();
+    makeReady();
     EXPECT_FALSE(advisor->provider.state().openAIKeySaved);
-    fakes.http->willSay("answer");
     ask("Why?");
     EXPECT_THAT(messages(), ElementsAre(welcomeText, "You: Why?", "Tallowcrest: answer"));
 }
 
 TEST_F(ChatTest, WhatWouldBeSentIsWhatIsSent) {
     EXPECT_EQ(chat().aiPayload(), std::nullopt) << "before the first sample";
-    takeSample();
-    storeKey();
-    fakes.http->willSay("answer");
+    makeReady();
     for (int i = 0; i < 12; ++i) {
         chat().setAIChatInput(" question " + std::to_string(i) + "\n");
         const auto payload = chat().aiPayload();
@@ -275,9 +278,7 @@ TEST_F(ChatTest, ATargetThatLeftTheSampleIsStillNamed) {
 
 TEST_F(ChatTest, FortyMessagesAreKept) {
     storeMessages(40);
-    takeSample();
-    storeKey();
-    fakes.http->willSay("answer");
+    makeReady();
     ask("Why?");
     ASSERT_THAT(messages(), SizeIs(40));
     EXPECT_EQ(messages().front(), "You: 3");
@@ -310,9 +311,7 @@ TEST_F(ChatTest, OneMessageOverTheLimitIsCutByTheNextAnswer) {
 }
 
 TEST_F(ChatTest, EightMessagesAreRecent) {
-    takeSample();
-    storeKey();
-    fakes.http->willSay("answer");
+    makeReady();
     for (const int before : {7, 8}) {
         storeMessages(before);
         ask("Why?");
@@ -324,9 +323,7 @@ TEST_F(ChatTest, EightMessagesAreRecent) {
 }
 
 TEST_F(ChatTest, AnAnswerThatIsUnderWayComesIntoAClearedChat) {
-    takeSample();
-    storeKey();
-    fakes.http->willSay("answer");
+    makeReady();
     chat().askQuickQuestion("Why?");
     runOneJob();
     chat().clearChat();
@@ -336,9 +333,7 @@ TEST_F(ChatTest, AnAnswerThatIsUnderWayComesIntoAClearedChat) {
 }
 
 TEST_F(ChatTest, TheSettingsCountAsTheyAreWhenTheKeyHasBeenRead) {
-    takeSample();
-    storeKey();
-    fakes.http->willSay("answer");
+    makeReady();
     settings.set(&Settings::aiRedactProcessDetails, false);
     chat().askQuickQuestion("Why?");
     settings.set(&Settings::aiRedactProcessDetails, true);
@@ -348,6 +343,16 @@ TEST_F(ChatTest, TheSettingsCountAsTheyAreWhenTheKeyHasBeenRead) {
     EXPECT_EQ(fakes.http->sent.at(0).url, "https://other.org/v1/responses");
     EXPECT_EQ(fakes.http->sent.at(0).json().at("model"), "other");
     EXPECT_THAT(fakes.http->sent.at(0).prompt(), HasSubstr("\nredacted\t"));
+}
+
+TEST_F(ChatTest, RedactionThatIsTurnedOffWhileTheKeyIsReadStays) {
+    makeReady();
+    chat().askQuickQuestion("Why?");
+    settings.set(&Settings::aiRedactProcessDetails, false);
+    finishWork();
+    EXPECT_THAT(fakes.http->sent.at(0).prompt(), HasSubstr("\nredacted\t"));
+    ask("And now?");
+    EXPECT_THAT(fakes.http->sent.at(1).prompt(), Not(HasSubstr("\nredacted\t")));
 }
 
 TEST_F(ChatTest, WhatIsNotUTF8IsStillStored) {
