@@ -14,10 +14,4 @@ void useOneArena() {
 #endif
 }
 
-void returnFreedMemory() {
-#if defined(__GLIBC__)
-    ::malloc_trim(0);
-#endif
-}
-
 }  // namespace tallowcrest

@@ -7,7 +7,6 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/base/allocator.h"
 #include "platform/base/core_dumps.h"
 #include "platform/http/curl_library.h"
 #include "platform/http/curl_transfer.h"
@@ -68,8 +67,6 @@ std::optional<HttpReply> CurlExchange::postOnThread(const HttpRequest& request,
                                                                               : ProxyVariables()}](
                     const std::stop_token& abandoned) mutable {
         HttpReply reply = performTransfer(std::exchange(transfer, {}), abandoned);
-        // TLS needs half a megabyte. Before the reply is given, as its receiver allocates.
-        returnFreedMemory();
         const std::lock_guard guard(box->lock);
         box->reply = std::move(reply);
         box->isOver = true;
