@@ -74,8 +74,9 @@ std::int64_t remainderBytes(const std::vector<MeasuredArea>& areas, const UsedSp
 /// What the row of the remainder stands for, in one sentence.
 std::string remainderExplanation(std::string_view unreadableData) {
     return fmt::format(
-        "Used space that is in none of the measured areas: folders outside them, other accounts, "
-        "snapshots, what the system reserves, and other {} that this account may not read.",
+        "Used space that is in none of the measured areas: folders outside them, areas that took "
+        "longer than a minute to measure, other accounts, snapshots, what the system reserves, and "
+        "other {} that this account may not read.",
         unreadableData);
 }
 

@@ -81,9 +81,9 @@ TEST(StorageRanking, TheRemainderIsARowAboveOneGigabyte) {
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0].name, "Other / inaccessible data");
     EXPECT_EQ(rows[0].explanation,
-              "Used space that is in none of the measured areas: folders outside them, other "
-              "accounts, snapshots, what the system reserves, and other data that this account may "
-              "not read.");
+              "Used space that is in none of the measured areas: folders outside them, areas that "
+              "took longer than a minute to measure, other accounts, snapshots, what the system "
+              "reserves, and other data that this account may not read.");
     EXPECT_EQ(rankedOffenders({area("/", gigabyte)}, {})[0].explanation, "")
         << "an area, wherever it is";
 }
