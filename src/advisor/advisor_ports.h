@@ -46,9 +46,9 @@ public:
     /// false if it remains.
     virtual bool add(const SecretText& secret) = 0;
 
-    /// False when the secret may still be there, as when the store remains locked. True when there
-    /// was none.
-    virtual bool remove() = 0;
+    /// With `unlocks`, asks the owner to unlock a locked secret. False when the secret may still be
+    /// there, as when it remains locked. True when there was none.
+    virtual bool remove(bool unlocks) = 0;
 };
 
 /// The largest body of a reply that is read. The longest text that is kept of one takes a quarter

@@ -67,7 +67,8 @@ void StoredKey::save(JobScope& jobs, SecretText key, std::function<void(bool)> t
     change(
         jobs,
         [key = std::move(key)](SecretStore& secrets) {
-            secrets.remove();
+            // An owner who is asked is asked once, by `add`.
+            secrets.remove(false);
             return secrets.add(key);
         },
         std::move(then));
@@ -75,7 +76,7 @@ void StoredKey::save(JobScope& jobs, SecretText key, std::function<void(bool)> t
 
 void StoredKey::remove(JobScope& jobs, std::function<void(bool)> then) {
     change(
-        jobs, [](SecretStore& secrets) { return secrets.remove(); }, std::move(then));
+        jobs, [](SecretStore& secrets) { return secrets.remove(true); }, std::move(then));
 }
 
 std::optional<ProviderAccess> StoredKey::accessTo(const std::optional<Endpoint>& endpoint,

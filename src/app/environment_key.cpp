@@ -25,7 +25,7 @@ public:
     void forbidDumps() override { forbidCoreDumps(); }
     std::optional<SecretText> read() override { return SecretText(key_.view()); }
     bool add(const SecretText& /*secret*/) override { return false; }
-    bool remove() override { return false; }
+    bool remove(bool /*unlocks*/) override { return false; }
 
 private:
     SecretText key_;

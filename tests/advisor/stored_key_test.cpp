@@ -149,6 +149,18 @@ TEST_F(StoredKeyTest, AStoreThatEndsMeanwhileHasNoKey) {
     EXPECT_EQ(insight(), "fine");
 }
 
+TEST_F(StoredKeyTest, OnlyARemovalThatIsWantedUnlocksTheStoreForIt) {
+    advisor->provider.setOpenAIKeyInput(SecretText("sk-key"));
+    advisor->provider.saveOpenAIKey();
+    finishWork();
+    EXPECT_EQ(fakes.secrets->otherRemovals, 1);
+    EXPECT_EQ(fakes.secrets->unlockingRemovals, 0) << "the storing of the new one asks";
+    advisor->provider.removeOpenAIKey();
+    finishWork();
+    EXPECT_EQ(fakes.secrets->otherRemovals, 1);
+    EXPECT_EQ(fakes.secrets->unlockingRemovals, 1);
+}
+
 TEST_F(StoredKeyTest, NothingIsAskedWithoutAnExchange) {
     fakes.secrets = nullptr;
     JobScope jobs(services.jobs);

@@ -100,7 +100,7 @@ TEST_F(EnvironmentKeyTest, CannotBeChanged) {
     setenv(keyVariable, "sk-secret", 1);
     const auto key = takeEnvironmentKey().store;
     EXPECT_FALSE(key->add(SecretText("sk-other")));
-    EXPECT_FALSE(key->remove());
+    EXPECT_FALSE(key->remove(true));
     EXPECT_EQ(key->read().value().view(), "sk-secret");
 }
 

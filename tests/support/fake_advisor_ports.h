@@ -33,7 +33,8 @@ public:
         secret = given.view();
         return true;
     }
-    bool remove() override {
+    bool remove(bool unlocks) override {
+        ++(unlocks ? unlockingRemovals : otherRemovals);
         if (refusesToRemove || isGone) {
             return false;
         }
@@ -49,6 +50,8 @@ public:
     /// Called within `read`, when the secret has been found and not been returned.
     std::function<void()> duringRead = [] {};
     int reads = 0;
+    int unlockingRemovals = 0;
+    int otherRemovals = 0;
     bool forbidsDumps = false;
 };
 

@@ -57,7 +57,7 @@ public:
         return security_.SecItemAdd(attributes.get(), nullptr) == SecurityFramework::success;
     }
 
-    bool remove() override {
+    bool remove(bool /*unlocks*/) override {
         const auto status = security_.SecItemDelete(item().get());
         return status == SecurityFramework::success || status == SecurityFramework::notFound;
     }

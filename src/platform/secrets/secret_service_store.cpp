@@ -114,15 +114,27 @@ public:
         return items;
     }
 
+    /// Asks the owner if any of the items is locked.
+    void unlock(GList* items) {
+        Items locked;
+        for (; items != nullptr; items = items->next) {
+            if (secret_item_get_locked(static_cast<SecretItem*>(items->data)) != FALSE) {
+                locked.reset(g_list_prepend(locked.release(), g_object_ref(items->data)));
+            }
+        }
+        if (!locked) {
+            return;
+        }
+        cancelled_.limitAgain(limits_.unlock);
+        secret_service_unlock_sync(service_.get(), locked.get(), cancelled_.get(), nullptr,
+                                   nullptr);
+        cancelled_.limitAgain(limits_.answer);
+    }
+
     /// Asks the owner if the item is locked.
     std::optional<SecretText> secretOf(SecretItem* item) {
-        if (secret_item_get_locked(item) != FALSE) {
-            const Items wanted(g_list_append(nullptr, g_object_ref(item)));
-            cancelled_.limitAgain(limits_.unlock);
-            secret_service_unlock_sync(service_.get(), wanted.get(), cancelled_.get(), nullptr,
-                                       nullptr);
-            cancelled_.limitAgain(limits_.answer);
-        }
+        GList alone{.data = item, .next = nullptr, .prev = nullptr};
+        unlock(&alone);
         if (secret_item_load_secret_sync(item, cancelled_.get(), nullptr) == FALSE) {
             return std::nullopt;
         }
@@ -202,10 +214,15 @@ bool SecretServiceStore::add(const SecretText& secret) {
     return operation.isConnected() && operation.store(secret);
 }
 
-bool SecretServiceStore::remove() {
+bool SecretServiceStore::remove(bool unlocks) {
     Operation operation(limits_, stop_, false);
     if (!operation.isConnected()) {
         return false;
+    }
+    if (unlocks) {
+        if (const auto items = operation.search()) {
+            operation.unlock(items->get());
+        }
     }
     operation.clear();
     const auto left = operation.search();

@@ -27,7 +27,7 @@ public:
     void forbidDumps() override;
     std::optional<SecretText> read() override;
     bool add(const SecretText& secret) override;
-    bool remove() override;
+    bool remove(bool unlocks) override;
 
 private:
     std::stop_token stop_;

@@ -59,10 +59,10 @@ TEST_F(KeychainTest, KeepsOneSecretOnThisMachineOnly) {
     EXPECT_EQ(askedBesides(), (Attributes{{"kSecReturnData", "kCFBooleanTrue"},
                                           {"kSecMatchLimit", "kSecMatchLimitOne"}}));
     EXPECT_FALSE(store->add(SecretText("sk-two"))) << "the first one remains";
-    EXPECT_TRUE(store->remove());
+    EXPECT_TRUE(store->remove(true));
     EXPECT_EQ(askedBesides(), Attributes());
     EXPECT_FALSE(store->isStored());
-    EXPECT_TRUE(store->remove()) << "there was none";
+    EXPECT_TRUE(store->remove(true)) << "there was none";
 }
 
 TEST_F(KeychainTest, WhatHasASecretInMemoryLeavesNoDump) {
@@ -81,7 +81,7 @@ TEST_F(KeychainTest, WhatHasASecretInMemoryLeavesNoDump) {
         ASSERT_EQ(::getrlimit(RLIMIT_CORE, &limit), 0);
         EXPECT_LE(limit.rlim_cur, 1U);
     }
-    store->remove();
+    store->remove(true);
 }
 
 TEST_F(KeychainTest, ARefusalIsNoSecretAndNoSuccess) {
@@ -90,7 +90,7 @@ TEST_F(KeychainTest, ARefusalIsNoSecretAndNoSuccess) {
     EXPECT_FALSE(store->isStored());
     EXPECT_FALSE(store->read());
     EXPECT_FALSE(store->add(SecretText("sk-two")));
-    EXPECT_FALSE(store->remove());
+    EXPECT_FALSE(store->remove(true));
     recordedFrameworks().refusal = 0;
     EXPECT_EQ(store->read()->view(), "sk-one");
 }

@@ -64,7 +64,7 @@ int run(const char* file, const std::string& url, const char* authorities) {
                                 std::string(10'000, 'r'), {});
         sayAndWait(("sent " + std::get<AIError>(*result).message).c_str());
     }
-    if (!store.remove()) {
+    if (!store.remove(true)) {
         return 2;
     }
     sayAndWait("removed");

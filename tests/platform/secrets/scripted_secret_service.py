@@ -6,7 +6,7 @@
 It has one locked item, whose secret is "sk-scripted", and knows only unencrypted sessions. Prints
 "ready", then the name of each method that it takes.
 
-    willing            opens the lock when asked
+    willing            opens the lock when asked, and then has its item removed
     silent             never answers a search
     dies               ends in a search, and when it is given a secret
     dies-in-prompt     ends while it asks the owner
@@ -29,6 +29,7 @@ SESSION = ROOT + "/session/1"
 DEFAULT = ROOT + "/aliases/default"
 SECRET = "org.freedesktop.Secret."
 MODE = sys.argv[1]
+IS_LOCKED = MODE != "dies-in-delete"
 
 
 def say(line):
@@ -48,6 +49,9 @@ class Object(dbus.service.Object):
 
 
 class Service(Object):
+    items = [dbus.ObjectPath(ITEM)]
+    is_locked = IS_LOCKED
+
     @dbus.service.method(SECRET + "Service", in_signature="sv", out_signature="vo")
     def OpenSession(self, algorithm, _input):
         if algorithm != "plain":
@@ -60,14 +64,14 @@ class Service(Object):
         say("SearchItems")
         if MODE == "dies":
             os._exit(1)
-        item = [dbus.ObjectPath(ITEM)]
-        if MODE == "dies-in-delete":
-            answer(item, [])
+        if not self.is_locked:
+            answer(self.items, [])
         elif MODE != "silent":
-            answer([], item)
+            answer([], self.items)
 
     @dbus.service.method(SECRET + "Service", in_signature="ao", out_signature="aoo")
     def Unlock(self, _objects):
+        prompt.result = dbus.Array(self.items, signature="o")
         return [], dbus.ObjectPath(PROMPT)
 
 
@@ -77,19 +81,23 @@ class Collection(Object):
         say("CreateItem")
         if MODE == "dies":
             os._exit(1)
+        prompt.result = dbus.ObjectPath(ITEM)
         return dbus.ObjectPath("/"), dbus.ObjectPath(PROMPT)
 
 
 class Item(Object):
     properties = dbus.Dictionary({
-        "Locked": dbus.Boolean(MODE != "dies-in-delete"), "Label": "Scripted",
+        "Locked": dbus.Boolean(IS_LOCKED), "Label": "Scripted",
         "Attributes": dbus.Dictionary(signature="ss"),
         "Created": dbus.UInt64(1), "Modified": dbus.UInt64(1)}, signature="sv")
 
     @dbus.service.method(SECRET + "Item", in_signature="", out_signature="o")
     def Delete(self):
         say("Delete")
-        os._exit(1)
+        if MODE == "dies-in-delete":
+            os._exit(1)
+        service.items = []
+        return dbus.ObjectPath("/")
 
     @dbus.service.method(SECRET + "Item", in_signature="o", out_signature="(oayays)")
     def GetSecret(self, session):
@@ -98,13 +106,16 @@ class Item(Object):
 
 
 class Prompt(Object):
+    result = ""
+
     @dbus.service.method(SECRET + "Prompt", in_signature="s")
     def Prompt(self, _window):
         say("Prompt")
         if MODE == "dies-in-prompt":
             os._exit(1)
         if MODE == "willing":
-            self.Completed(False, dbus.Array([dbus.ObjectPath(ITEM)], signature="o"))
+            service.is_locked = False
+            self.Completed(False, self.result)
 
     @dbus.service.method(SECRET + "Prompt")
     def Dismiss(self):
@@ -119,7 +130,9 @@ class Prompt(Object):
 
 dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
 bus = dbus.SessionBus()
-objects = [Service(bus, ROOT), Collection(bus, DEFAULT), Item(bus, ITEM), Prompt(bus, PROMPT)]
+service = Service(bus, ROOT)
+prompt = Prompt(bus, PROMPT)
+others = [Collection(bus, DEFAULT), Item(bus, ITEM)]
 name = dbus.service.BusName("org.freedesktop.secrets", bus)
 say("ready")
 GLib.MainLoop().run()

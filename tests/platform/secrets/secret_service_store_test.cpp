@@ -38,13 +38,13 @@ TEST_F(SecretServiceStoreTest, KeepsOneSecret) {
     startKeyring(true);
     EXPECT_FALSE(store_.isStored());
     EXPECT_EQ(textOf(store_.read()), std::nullopt);
-    EXPECT_TRUE(store_.remove());
+    EXPECT_TRUE(store_.remove(true));
 
     EXPECT_TRUE(store_.add(SecretText(key)));
     EXPECT_TRUE(store_.isStored());
     EXPECT_EQ(textOf(store_.read()), key);
 
-    EXPECT_TRUE(store_.remove());
+    EXPECT_TRUE(store_.remove(true));
     EXPECT_FALSE(store_.isStored());
     EXPECT_EQ(textOf(store_.read()), std::nullopt);
 }
@@ -94,7 +94,8 @@ TEST_F(SecretServiceStoreTest, RemainsLockedWhenTheOwnerSaysNo) {
     Script prompter("scripted_prompter.py", "dismiss");
     EXPECT_EQ(textOf(store_.read()), std::nullopt);
     EXPECT_EQ(prompter.line(), "asked");
-    EXPECT_FALSE(store_.remove());
+    EXPECT_FALSE(store_.remove(true));
+    EXPECT_EQ(prompter.line(), "asked");
     EXPECT_TRUE(store_.isStored());
 }
 
@@ -107,10 +108,20 @@ TEST_F(SecretServiceStoreTest, RemainsLockedWhenTheOwnerDoesNotAnswer) {
     EXPECT_TRUE(store_.isStored()) << "the keyring lives on";
 }
 
+TEST_F(SecretServiceStoreTest, RemainsStoredWhenTheOwnerDoesNotAnswer) {
+    storeAndLock();
+    Script prompter("scripted_prompter.py", "ignore");
+    SecretServiceStore hasty({}, {.unlock = milliseconds(300)});
+    EXPECT_FALSE(hasty.remove(true));
+    EXPECT_EQ(prompter.line(), "asked");
+    EXPECT_TRUE(store_.isStored());
+}
+
 TEST_F(SecretServiceStoreTest, RemainsLockedWhereNobodyCanBeAsked) {
     storeAndLock();
     EXPECT_EQ(textOf(store_.read()), std::nullopt);
     EXPECT_FALSE(store_.add(SecretText("sk-two")));
+    EXPECT_FALSE(store_.remove(true));
     EXPECT_TRUE(store_.isStored());
 }
 
@@ -119,11 +130,31 @@ TEST_F(SecretServiceStoreTest, ReadsWhatTheOwnerUnlocksAlsoWithoutEncryption) {
     EXPECT_EQ(textOf(store_.read()), "sk-scripted");
 }
 
+TEST_F(SecretServiceStoreTest, RemovesWhatTheOwnerUnlocks) {
+    Script service("scripted_secret_service.py", "willing");
+    EXPECT_TRUE(store_.remove(true));
+    EXPECT_EQ(service.line(), "SearchItems");
+    EXPECT_EQ(service.line(), "Prompt");
+    EXPECT_EQ(service.line(), "SearchItems");
+    EXPECT_EQ(service.line(), "Delete");
+    EXPECT_FALSE(store_.isStored());
+}
+
+TEST_F(SecretServiceStoreTest, AsksOnceToReplaceALockedSecret) {
+    Script service("scripted_secret_service.py", "willing");
+    EXPECT_FALSE(store_.remove(false));
+    EXPECT_TRUE(store_.add(SecretText(key)));
+    EXPECT_EQ(service.line(), "SearchItems");
+    EXPECT_EQ(service.line(), "SearchItems");
+    EXPECT_EQ(service.line(), "CreateItem");
+    EXPECT_EQ(service.line(), "Prompt");
+}
+
 TEST_F(SecretServiceStoreTest, WithoutAServiceThereIsNothing) {
     EXPECT_FALSE(store_.isStored());
     EXPECT_EQ(textOf(store_.read()), std::nullopt);
     EXPECT_FALSE(store_.add(SecretText(key)));
-    EXPECT_FALSE(store_.remove());
+    EXPECT_FALSE(store_.remove(true));
 }
 
 TEST_F(SecretServiceStoreTest, WhereNoThreadCanStartThereIsNothing) {
@@ -133,7 +164,7 @@ TEST_F(SecretServiceStoreTest, WhereNoThreadCanStartThereIsNothing) {
         EXPECT_FALSE(store_.isStored());
         EXPECT_EQ(textOf(store_.read()), std::nullopt);
         EXPECT_FALSE(store_.add(SecretText("sk-two")));
-        EXPECT_FALSE(store_.remove());
+        EXPECT_FALSE(store_.remove(true));
     });
     if (!hasRun) {
         GTEST_SKIP() << "system calls cannot be refused here";
@@ -147,7 +178,7 @@ TEST_F(SecretServiceStoreTest, WithoutABusThereIsNothing) {
         EXPECT_FALSE(store_.isStored()) << address;
         EXPECT_EQ(textOf(store_.read()), std::nullopt) << address;
         EXPECT_FALSE(store_.add(SecretText(key))) << address;
-        EXPECT_FALSE(store_.remove()) << address;
+        EXPECT_FALSE(store_.remove(true)) << address;
     }
 }
 
@@ -190,11 +221,17 @@ TEST_F(SecretServiceStoreTest, AServiceThatDiesHasStoredNothing) {
 TEST_F(SecretServiceStoreTest, AServiceThatDiesHasRemovedNothing) {
     {
         Script service("scripted_secret_service.py", "dies");
-        EXPECT_FALSE(store_.remove());
+        EXPECT_FALSE(store_.remove(true));
         EXPECT_EQ(service.line(), "SearchItems");
     }
+    {
+        Script service("scripted_secret_service.py", "dies-in-prompt");
+        EXPECT_FALSE(store_.remove(true));
+        EXPECT_EQ(service.line(), "SearchItems");
+        EXPECT_EQ(service.line(), "Prompt");
+    }
     Script service("scripted_secret_service.py", "dies-in-delete");
-    EXPECT_FALSE(store_.remove());
+    EXPECT_FALSE(store_.remove(false));
     EXPECT_EQ(service.line(), "SearchItems");
     EXPECT_EQ(service.line(), "Delete");
 }
