@@ -23,8 +23,9 @@ inline constexpr std::chrono::seconds unlockWait{30};
 /// The system's store for secrets, which keeps one secret under `keychainService` and
 /// `openAIKeyAccount`. It never leaves this machine, and can be read without a question after the
 /// store was unlocked once. Every operation may block; only `read`, `add` and `remove` may ask the
-/// owner to unlock it. They wait at most for `unlockWait`, and end as if it had remained locked; on
-/// macOS, where nothing withdraws the question, for as long as it is open. All other waiting is
+/// owner to unlock it. They wait at most for `unlockWait`, twice where the
+/// store asks another question before it removes the secret, and end as if it had remained locked;
+/// on macOS, where nothing withdraws the question, for as long as it is open. All other waiting is
 /// bounded by the implementation. Called on background threads, on several at once.
 class SecretStore {
 public:

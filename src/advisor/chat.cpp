@@ -91,11 +91,8 @@ Outcome Chat::sendChatMessage() {
         jobs_, [this] { setBusy(true, true); },
         // The settings as they are by then: they can change while the key is read.
         [this] { return endpointFrom(services_.settings.values().aiEndpoint); },
-        // Except redaction that is turned off meanwhile.
-        [this, question, isRedacted = services_.settings.values().aiRedactProcessDetails](
-            std::optional<ProviderAccess> access) {
-            return sendWith(std::move(access), question,
-                            isRedacted || services_.settings.values().aiRedactProcessDetails);
+        [this, question](std::optional<ProviderAccess> access) {
+            return sendWith(std::move(access), question);
         });
 }
 
@@ -106,13 +103,12 @@ Outcome Chat::answerOnThisMachine(const std::string& question) {
     return record("Answered with on-device guidance.");
 }
 
-Outcome Chat::sendWith(std::optional<ProviderAccess> access, const std::string& question,
-                       bool isRedacted) {
+Outcome Chat::sendWith(std::optional<ProviderAccess> access, const std::string& question) {
     if (!access) {
         setBusy(false);
         return answerOnThisMachine(question);
     }
-    auto report = reports_.diagnosticsReport(isRedacted);
+    auto report = reports_.diagnosticsReport(access->isRedacted);
     if (!report) {
         setBusy(false);
         addMessage(advisorRole, std::string(noSampleAnswer));

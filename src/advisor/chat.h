@@ -82,8 +82,7 @@ public:
 
 private:
     /// `access` is absent when this machine has to answer.
-    Outcome sendWith(std::optional<ProviderAccess> access, const std::string& question,
-                     bool isRedacted);
+    Outcome sendWith(std::optional<ProviderAccess> access, const std::string& question);
     /// `result` is absent when nothing was sent, for want of a key.
     void finishChatRequest(const std::optional<ProviderResult>& result,
                            const std::string& question);

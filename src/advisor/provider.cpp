@@ -256,22 +256,20 @@ Outcome Provider::sendAIAnalysis() {
     if (state_.aiBusy) {
         return Outcome::ignored();
     }
-    const Consent consent = presentConsent();
     return dependencies_.key.readAccess(
         jobs_, [this] { setBusy(AnalysisWait::key); },
-        [endpoint = consent.endpoint] { return endpoint; },
-        // Redaction that is turned on while the key is read still counts, but not one turned off.
-        [this, isRedacted = consent.isRedacted](std::optional<ProviderAccess> access) {
-            return sendAIAnalysisWith(std::move(access), isRedacted || presentConsent().isRedacted);
+        [endpoint = presentConsent().endpoint] { return endpoint; },
+        [this](std::optional<ProviderAccess> access) {
+            return sendAIAnalysisWith(std::move(access));
         });
 }
 
-Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access, bool isRedacted) {
+Outcome Provider::sendAIAnalysisWith(std::optional<ProviderAccess> access) {
     if (!access) {
         setIdle();
         return composeOnDeviceAnalysis(false);
     }
-    auto report = dependencies_.reports.diagnosticsReport(isRedacted);
+    auto report = dependencies_.reports.diagnosticsReport(access->isRedacted);
     if (!report) {
         setIdle();
         return refuseWithoutSample();

@@ -163,7 +163,7 @@ private:
     void clearOldInput();
     Outcome refuseWithoutSample();
     /// `access` is absent when this machine has to do it.
-    Outcome sendAIAnalysisWith(std::optional<ProviderAccess> access, bool isRedacted);
+    Outcome sendAIAnalysisWith(std::optional<ProviderAccess> access);
     void finishAIAnalysis(AnalysisResult result, bool runsSafeAction);
     Outcome fallBack();
     /// `fellBack` says that a request to the provider has failed.

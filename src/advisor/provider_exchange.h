@@ -32,6 +32,7 @@ struct ProviderAccess {
     std::optional<Endpoint> endpoint;    ///< absent when the stored address must not be used
     std::optional<ReadKey> key;          ///< absent for a server that is asked without one
     std::string model;                   ///< empty for the default
+    bool isRedacted = false;             ///< whether the report must be redacted
 };
 
 // Both block for at most about `exchangeWait`. Absent when the key, which the service needs, has

@@ -38,12 +38,15 @@ void StoredKey::read(JobScope& jobs, std::function<void(std::optional<ReadKey>)>
 Outcome StoredKey::readAccess(JobScope& jobs, std::function<void()> begun,
                               std::function<std::optional<Endpoint>()> endpoint,
                               std::function<Outcome(std::optional<ProviderAccess>)> then) const {
+    const bool isRedacted = services_.settings.values().aiRedactProcessDetails;
     if (!hasStore()) {
-        return then(accessTo(endpoint(), {}));
+        return then(accessTo(endpoint(), {}, isRedacted));
     }
     begun();
-    read(jobs, [this, endpoint = std::move(endpoint), then = std::move(then)](
-                   std::optional<ReadKey> key) { then(accessTo(endpoint(), std::move(key))); });
+    read(jobs, [this, endpoint = std::move(endpoint), then = std::move(then),
+                isRedacted](std::optional<ReadKey> key) {
+        then(accessTo(endpoint(), std::move(key), isRedacted));
+    });
     return Outcome::asked();
 }
 
@@ -80,7 +83,8 @@ void StoredKey::remove(JobScope& jobs, std::function<void(bool)> then) {
 }
 
 std::optional<ProviderAccess> StoredKey::accessTo(const std::optional<Endpoint>& endpoint,
-                                                  std::optional<ReadKey> key) const {
+                                                  std::optional<ReadKey> key,
+                                                  bool wasRedacted) const {
     if (key && key->ifStillStored() == nullptr) {
         key.reset();
     }
@@ -88,8 +92,9 @@ std::optional<ProviderAccess> StoredKey::accessTo(const std::optional<Endpoint>&
     if ((needsKey && !key) || !hasExchange()) {
         return std::nullopt;
     }
-    return ProviderAccess{ports_.http, endpoint, std::move(key),
-                          services_.settings.values().openAIModel};
+    const Settings& settings = services_.settings.values();
+    return ProviderAccess{ports_.http, endpoint, std::move(key), settings.openAIModel,
+                          wasRedacted || settings.aiRedactProcessDetails};
 }
 
 }  // namespace tallowcrest

@@ -35,8 +35,9 @@ public:
     /// Calls `then(isStored)`. Does not ask the owner to unlock the store, unlike the others.
     void find(JobScope& jobs, std::function<void(bool)> then) const;
     /// Prepares a request: calls `begun()` and reads the key, if there is a store, and then calls
-    /// `then(access)` for the endpoint that `endpoint()` returns by then, as of `accessTo`. Returns
-    /// the outcome of `then`, or `asked` when that comes later.
+    /// `then(access)` for the endpoint that `endpoint()` returns by then, as of `accessTo`.
+    /// Redaction that is turned on meanwhile counts, but not one that is turned off. Returns the
+    /// outcome of `then`, or `asked` when that comes later.
     Outcome readAccess(JobScope& jobs, std::function<void()> begun,
                        std::function<std::optional<Endpoint>()> endpoint,
                        std::function<Outcome(std::optional<ProviderAccess>)> then) const;
@@ -49,11 +50,12 @@ public:
 private:
     /// Calls `then(key)`, absent as for `readOpenAIKey`.
     void read(JobScope& jobs, std::function<void(std::optional<ReadKey>)> then) const;
-    /// What a request to `endpoint` needs, with the model of the settings. Absent when nothing can
+    /// What a request to `endpoint` needs, with the model and the redaction of the
+    /// settings. Absent when nothing can
     /// be asked: without a key that still is the stored one, unless the endpoint needs none, and
     /// without an exchange.
     std::optional<ProviderAccess> accessTo(const std::optional<Endpoint>& endpoint,
-                                           std::optional<ReadKey> key) const;
+                                           std::optional<ReadKey> key, bool wasRedacted) const;
     template <class Change>
     void change(JobScope& jobs, Change change, std::function<void(bool)> then);
 

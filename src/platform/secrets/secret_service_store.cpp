@@ -220,9 +220,11 @@ bool SecretServiceStore::remove(bool unlocks) {
         return false;
     }
     if (unlocks) {
-        if (const auto items = operation.search()) {
-            operation.unlock(items->get());
+        const auto items = operation.search();
+        if (!items || !*items) {
+            return items.has_value();
         }
+        operation.unlock(items->get());
     }
     operation.clear();
     const auto left = operation.search();

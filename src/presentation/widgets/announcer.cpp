@@ -21,7 +21,9 @@ public:
         installAccessibleFigures();
         setObjectName(identifier());
         if (!window->isVisible()) {
-            hide();  // or it would be shown together with the window
+            // Or it would be shown together with the window. In a visible one it is hidden anyway,
+            // and this would lay the window out again.
+            hide();
         }
     }
 

@@ -1,5 +1,6 @@
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -64,18 +65,25 @@ TEST_F(CurlExchangeTls, AFolderWithoutHashesOfNamesMakesNothingTrusted) {
 }
 
 TEST_F(CurlExchangeTls, TheAuthoritiesOfTheSystemAreThoseOfItsFolderAndOfItsFile) {
-    TestProvider provider(authority_.certificate(allNames));
+    const auto certificate = authority_.certificate(allNames);
+    const TestProvider provider(certificate);
+    std::ofstream(certificate.first, std::ios::app) << std::ifstream(authority_.path()).rdbuf();
+    const TestProvider withAuthority(certificate);
     inOwnMounts([&] {
         const TestAuthority other;
-        const auto failureWith = [&](const TestAuthority& ofFolder, const TestAuthority& ofFile) {
+        const auto failureWith = [](const TestAuthority& ofFolder, const TestAuthority& ofFile,
+                                    const TestProvider& asked) {
             mountAuthorities(ofFolder, ofFile);
             CurlExchange asShipped({});
-            return failureOf(asShipped, provider.at("https://localhost"));
+            return failureOf(asShipped, asked.at("https://localhost"));
         };
-        EXPECT_EQ(failureWith(authority_, other), std::nullopt);
-        EXPECT_EQ(failureWith(other, authority_), std::nullopt);
-        EXPECT_THAT(failureWith(other, other),
+        EXPECT_EQ(failureWith(authority_, other, provider), std::nullopt);
+        EXPECT_EQ(failureWith(other, authority_, provider), std::nullopt);
+        EXPECT_EQ(failureWith(other, authority_, withAuthority), std::nullopt);
+        EXPECT_THAT(failureWith(other, other, provider),
                     Optional(HasSubstr("unable to get local issuer certificate")));
+        EXPECT_THAT(failureWith(other, other, withAuthority),
+                    Optional(HasSubstr("self-signed certificate in certificate chain")));
     });
 }
 

@@ -102,7 +102,7 @@ TEST_F(SecretServiceStoreTest, RemainsLockedWhenTheOwnerSaysNo) {
 TEST_F(SecretServiceStoreTest, RemainsLockedWhenTheOwnerDoesNotAnswer) {
     storeAndLock();
     Script prompter("scripted_prompter.py", "ignore");
-    SecretServiceStore hasty({}, {.unlock = milliseconds(300)});
+    SecretServiceStore hasty({}, {.answer = std::chrono::minutes(10), .unlock = milliseconds(300)});
     EXPECT_EQ(textOf(hasty.read()), std::nullopt);
     EXPECT_EQ(prompter.line(), "asked");
     EXPECT_TRUE(store_.isStored()) << "the keyring lives on";
@@ -111,7 +111,7 @@ TEST_F(SecretServiceStoreTest, RemainsLockedWhenTheOwnerDoesNotAnswer) {
 TEST_F(SecretServiceStoreTest, RemainsStoredWhenTheOwnerDoesNotAnswer) {
     storeAndLock();
     Script prompter("scripted_prompter.py", "ignore");
-    SecretServiceStore hasty({}, {.unlock = milliseconds(300)});
+    SecretServiceStore hasty({}, {.answer = std::chrono::minutes(10), .unlock = milliseconds(300)});
     EXPECT_FALSE(hasty.remove(true));
     EXPECT_EQ(prompter.line(), "asked");
     EXPECT_TRUE(store_.isStored());

@@ -4,10 +4,9 @@
     announcement_test.py PROGRAM [unittest options]
 """
 
-import time
 import unittest
 
-from private_desktop import DEADLINE
+from private_desktop import eventually
 from window_case import WindowTestCase, main, start_desktop
 
 desktop = None
@@ -39,13 +38,10 @@ class Heard:
         self._listener.register("object:state-changed:showing")
         test.addCleanup(self._listener.deregister, "object:state-changed:showing")
 
-    def until(self, is_last):
-        """The names up to the first for which `is_last` holds, or those of half a minute."""
-        end = time.monotonic() + DEADLINE
-        while not any(map(is_last, self.names)) and time.monotonic() < end:
-            self._context.iteration(False)
-            time.sleep(0.001)
-        return self.names
+    def has(self, name):
+        while self._context.iteration(False):
+            pass
+        return name in self.names
 
 
 class Announcements(WindowTestCase):
@@ -56,10 +52,10 @@ class Announcements(WindowTestCase):
         heard = Heard(self)
         window.press(Atspi.Role.PUSH_BUTTON, lambda name: name.startswith("Ask: "))
         status = "Answered with on-device guidance."
-        names = heard.until(lambda name: name == status)
+        eventually(lambda: heard.has(status), f"{status!r} is told")
+        names = heard.names
         self.assertEqual(names.count(status), 1, names)
-        self.assertTrue(any(name.startswith("You: ") for name in names),
-                        names)
+        self.assertTrue(any(name.startswith("You: ") for name in names), names)
         self.assertTrue(any(name.startswith("Tallowcrest: ") for name in names), names)
 
 
