@@ -49,6 +49,7 @@ static_assert(areOf<const Object*>(&CF::kCFAllocatorNull, &CF::kCFBooleanTrue,
                                    &CF::kCFURLVolumeTotalCapacityKey,
                                    &CF::kCFURLVolumeAvailableCapacityForImportantUsageKey));
 
+static_assert(sizeof(CF) == 23 * sizeof(Object), "each member is above");
 static_assert(CF::path == "/System/Library/Frameworks/CoreFoundation.framework/CoreFoundation"sv);
 static_assert(CF::doubleNumber == 13);
 static_assert(CF::utf8 == 0x08000100U);
@@ -62,6 +63,7 @@ static_assert(areOf<const Object*>(
     &Sec::kSecClass, &Sec::kSecClassGenericPassword, &Sec::kSecAttrService, &Sec::kSecAttrAccount,
     &Sec::kSecAttrAccessible, &Sec::kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly,
     &Sec::kSecReturnData, &Sec::kSecMatchLimit, &Sec::kSecMatchLimitOne, &Sec::kSecValueData));
+static_assert(sizeof(Sec) == 13 * sizeof(Object), "each member is above");
 static_assert(Sec::path == "/System/Library/Frameworks/Security.framework/Security"sv);
 static_assert(Sec::success == 0);
 static_assert(Sec::notFound == -25300);

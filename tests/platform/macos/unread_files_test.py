@@ -52,6 +52,8 @@ class UnreadFiles(unittest.TestCase):
                 ('#include "platform/secrets/g_handles.h"',
                  'includes "platform/secrets/g_handles.h", which cmake/macos_check/'),
                 ("@import AppKit;", "has the line '@import AppKit;'"),
+                ("@ import AppKit;", "has the line '@ import AppKit;'"),
+                ("import <sys/epoll.h>;", "has the line 'import <sys/epoll.h>;'"),
                 ('_Pragma("clang module import AppKit")', "has the line '_Pragma("),
                 ("#if 0", "has the line '#if 0'"),
                 ("  # define INSTEAD", "has the line '  # define INSTEAD'"),
