@@ -1,6 +1,6 @@
 // In the place of what Objective-C++ defines, which no compiler here reads. scripts/macos-check
 // requires that each line that ends in "{" or "(" is in the Objective-C++ files too, once, and that
-// each header of this system's own that they include is included here. What they use of these
+// each header of our own that they include is included here. What they use of these
 // headers is used here, so that they are looked at when that is renamed.
 
 #include "core/text.h"

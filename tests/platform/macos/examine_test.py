@@ -96,6 +96,17 @@ class Examine(unittest.TestCase):
             with self.subTest(other):
                 self.assertEqual(self.missing((*of_qt, other), ()), [other])
 
+    def test_objects_with_what_only_linux_has(self):
+        for taken, places, complaint in (
+                ("_pipe2", "", "_pipe2 is of Linux"),
+                ("_read", "/proc/self/stat", "a place of Linux: /proc/self/stat")):
+            with self.subTest(complaint), tempfile.TemporaryDirectory() as name:
+                file = pathlib.Path(name, "one.cpp.o")
+                file.write_bytes(program(kind=1, undefined=((taken, 0),), places=places))
+                result = subprocess.run([SCRIPT, "--objects", name], stderr=subprocess.PIPE,
+                                        text=True, check=False)
+                self.assertEqual((result.returncode, result.stderr), (1, f"{file}: {complaint}\n"))
+
     def test_no_object(self):
         with tempfile.TemporaryDirectory() as name:
             result = subprocess.run([SCRIPT, "--objects", name], stderr=subprocess.PIPE, text=True,
