@@ -66,36 +66,45 @@ Outcome PersonalFiles::analyzePersonalFiles() {
     state_.storageAnalyzerBusy = true;
     state_.progress = {};
     setStatus(std::string(texts::analyzing));
+    analyzed_ = std::make_shared<SharedResult<Analyzed>>();
     analysis_.begin().runWithProgress<SearchProgress>(
         Lane::personalFiles,
         [search = dependencies_.ports.largestFiles,
          request = LargestFilesRequest{dependencies_.ports.places.personal, largeFileBytes,
                                        maximumLargeFiles},
-         token = analysis_.stopToken()](const Stop& stop, const auto& report) {
+         shared = analyzed_, token = analysis_.stopToken()](const Stop& stop, const auto& report) {
             const EitherStop either(stop.stopToken(), token);
-            return search->find(request, report, either.token());
+            Analyzed result{search->find(request, report, either.token()), false};
+            result.isComplete = !either.token().stop_requested();
+            shared->set(result);
+            return result;
         },
         [this](SearchProgress progress) {
             state_.progress = std::move(progress);
             observable_->changed();
         },
-        [this](const std::vector<FoundFile>& files) { finishAnalysis(files); });
+        [this](const Analyzed& analyzed) { finishAnalysis(analyzed); });
     dependencies_.provider.requestAIAnalysisWithKey();
     return Outcome::asked();
 }
 
-void PersonalFiles::finishAnalysis(const std::vector<FoundFile>& files) {
-    const bool wasStopped = analysis_.isStopping();
+void PersonalFiles::finishAnalysis(const Analyzed& analyzed) {
+    const std::vector<FoundFile>& files = analyzed.files;
     analysis_.end();
     // What an earlier analysis found is better than nothing.
-    if (!wasStopped || !files.empty()) {
+    if (analyzed.isComplete || !files.empty()) {
         showFound(files);
     }
-    if (wasStopped) {
-        endAnalysis(texts::stopped(files.size()), texts::stoppedEvent);
-    } else {
+    if (analyzed.isComplete) {
         endAnalysis(texts::found(files.size()), texts::analyzedEvent);
+    } else {
+        endAnalysis(texts::stopped(files.size()), texts::stoppedEvent);
     }
+}
+
+void PersonalFiles::giveUpAnalysis() {
+    // It can have ended just before its result arrived.
+    finishAnalysis(analyzed_->get().value_or(Analyzed{}));
 }
 
 void PersonalFiles::showFound(const std::vector<FoundFile>& files) {
@@ -115,9 +124,7 @@ void PersonalFiles::endAnalysis(std::string status, std::string_view event) {
 }
 
 Outcome PersonalFiles::stopAnalysis() {
-    const bool isStopping =
-        analysis_.stopOrForget([this] { endAnalysis(texts::stopped(0), texts::stoppedEvent); });
-    if (!isStopping) {
+    if (!analysis_.stopOrForget([this] { giveUpAnalysis(); })) {
         return Outcome::ignored();
     }
     state_.isStopping = true;

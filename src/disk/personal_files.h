@@ -125,6 +125,11 @@ private:
         std::atomic<bool> hasBegun = false;
         SharedResult<TrashOutcome> outcome;
     };
+    /// An analysis that is over.
+    struct Analyzed {
+        std::vector<FoundFile> files;
+        bool isComplete = false;  ///< it has ended before it was asked to stop
+    };
     /// A file on its way to the Trash.
     struct Trashing {
         StorageOptimizationSuggestion suggestion;
@@ -136,7 +141,9 @@ private:
         std::shared_ptr<SharedResult<Copied>> copied;
     };
 
-    void finishAnalysis(const std::vector<FoundFile>& files);
+    void finishAnalysis(const Analyzed& analyzed);
+    /// For one that has not ended long after it was stopped, as far as is known.
+    void giveUpAnalysis();
     void showFound(const std::vector<FoundFile>& files);
     void endAnalysis(std::string status, std::string_view event);
     void beginBackup(const StorageOptimizationSuggestion& suggestion, std::string folder);
@@ -158,7 +165,8 @@ private:
     std::unique_ptr<Observable> observable_;
     PersonalFilesState state_;
     std::unique_ptr<FolderQuestion> folderQuestion_;
-    std::vector<Trashing> trashing_;  ///< those whose end was not told yet
+    std::vector<Trashing> trashing_;                    ///< those whose end was not told yet
+    std::shared_ptr<SharedResult<Analyzed>> analyzed_;  ///< of the latest analysis
     std::optional<Backup> backupUnderWay_;
     Date backupBegan_;  ///< or the check of the copy
     JobScope jobs_;

@@ -200,6 +200,28 @@ TEST_F(PersonalFilesTest, AStoppedAnalysisShowsWhatItHasFound) {
     EXPECT_EQ(files().stopAnalysis(), Outcome::ignored());
 }
 
+TEST_F(PersonalFilesTest, AnAnalysisThatHasEndedWhenItIsStoppedIsToldAsItEnded) {
+    add("a", floorBytes);
+    for (const bool isGivenUp : {false, true}) {
+        log.clearActivityLog();
+        files().analyzePersonalFiles();
+        workQueue.run();
+        EXPECT_EQ(files().stopAnalysis(), Outcome::asked());
+        if (isGivenUp) {
+            mainQueue.fireTimers();
+        }
+        mainQueue.drain();
+        EXPECT_FALSE(state().storageAnalyzerBusy);
+        EXPECT_FALSE(state().isStopping);
+        EXPECT_THAT(titles(), ElementsAre("a"));
+        EXPECT_EQ(state().storageAnalyzerStatus,
+                  "Found 1 large personal files. Review each recommendation before acting.");
+        EXPECT_THAT(events(),
+                    ElementsAre("Storage Analyzer: Analyzed personal files locally; no file "
+                                "contents or paths were sent to AI and no files were changed."));
+    }
+}
+
 TEST_F(PersonalFilesTest, AnAnalysisThatHangsIsForgotten) {
     add("a", floorBytes);
     analyze();
