@@ -196,6 +196,27 @@ TEST(HangingVolume, AnAnalysisTellsWhereItHangsAndCanBeStopped) {
     });
 }
 
+TEST(HangingVolume, AnAnalysisSearchesTheOtherFoldersWhileOneDoesNotOpen) {
+    onHangingMachine([](HangingMachine& machine) {
+        machine.downloads.answer();
+        HangingFolder downloads(machine.places.downloads());
+        ASSERT_TRUE(downloads.isMounted());
+        const fs::path film = machine.places.videos() / "film.mov";
+        std::ofstream(film) << "film";
+        fs::resize_file(film, 200 << 20);
+        PersonalFiles& files = machine.disk.files;
+        files.analyzePersonalFiles();
+        serveUntil(machine.loop, [&] { return files.state().progress.filesSeen == 1; });
+        EXPECT_EQ(files.state().progress.folder, machine.places.downloads());
+        EXPECT_EQ(files.stopAnalysis(), Outcome::asked());
+        serveUntil(machine.loop, [&] { return !files.state().storageAnalyzerBusy; });
+        EXPECT_EQ(files.state().storageAnalyzerStatus,
+                  "Analysis stopped. It had found 1 large personal file.");
+        ASSERT_EQ(files.state().storageOptimizationSuggestions.size(), 1U);
+        EXPECT_EQ(files.state().storageOptimizationSuggestions[0].path, film);
+    });
+}
+
 TEST(HangingVolume, AStorageScanTellsTheAreaAndCanBeStopped) {
     onHangingMachine([](HangingMachine& machine) {
         StorageScan& storage = machine.disk.storage;

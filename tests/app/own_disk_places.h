@@ -21,7 +21,7 @@ public:
         }
         std::ofstream entries(folder_.path("config/user-dirs.dirs"));
         entries << "XDG_DOWNLOAD_DIR=\"" << downloads().string() << "\"\n";
-        entries << "XDG_VIDEOS_DIR=\"" << folder_.path("Filme") << "\"\n";
+        entries << "XDG_VIDEOS_DIR=\"" << videos().string() << "\"\n";
         for (const char* none : {"DESKTOP", "DOCUMENTS", "PICTURES", "MUSIC"}) {
             entries << "XDG_" << none << "_DIR=\"" << folder_.path("none") << "\"\n";
         }
@@ -29,6 +29,7 @@ public:
 
     std::filesystem::path caches() const { return folder_.path("caches"); }
     std::filesystem::path downloads() const { return folder_.path("Herunterladen"); }
+    std::filesystem::path videos() const { return folder_.path("Filme"); }
     std::filesystem::path backups() const { return folder_.path("backups"); }
     std::filesystem::path trash() const { return data_.folder() / "Trash"; }
 

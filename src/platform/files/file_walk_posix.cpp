@@ -21,7 +21,10 @@ void PosixFileWalk::walk(const std::string& root,
             progress(seen);
         }
     };
-    std::vector<FolderPart> pending = treeRoots({root}).parts;
+    std::vector<FolderPart> pending;
+    if (FolderPointer folder = rootFolder(root)) {
+        pending.push_back({std::move(folder)});
+    }
     FolderTreeReader reader({.staysOnDevice = true, .freshness = file_system::Freshness::current},
                             reportWhenDue);
     std::string path;  // of the folder at hand, with a slash at the end

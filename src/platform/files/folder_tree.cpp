@@ -44,23 +44,14 @@ bool isInsideItself(const Folder& folder) {
 
 }  // namespace
 
-TreeRoots treeRoots(const std::vector<std::string>& paths) {
-    TreeRoots roots;
-    for (std::string path : paths) {
-        if (!path.starts_with('/')) {
-            continue;
-        }
-        while (path.ends_with('/')) {
-            path.pop_back();
-        }
-        const FolderPointer folder(new Folder{.parent = {}, .name = std::move(path)});
-        const std::optional<EntryStatus> status = OpenFolders().enter(folder);
-        if (status && !contains(roots.identities, status->identity)) {
-            roots.parts.push_back({folder});
-            roots.identities.push_back(status->identity);
-        }
+FolderPointer rootFolder(std::string path) {
+    if (!path.starts_with('/')) {
+        return {};
     }
-    return roots;
+    while (path.ends_with('/')) {
+        path.pop_back();
+    }
+    return FolderPointer(new Folder{.parent = {}, .name = std::move(path)});
 }
 
 /// Whether the folder is to be read.

@@ -20,14 +20,8 @@ struct FolderPart {
     std::int64_t position = 0;
 };
 
-/// The folders that a walk begins with.
-struct TreeRoots {
-    std::vector<FolderPart> parts;
-    std::vector<FileIdentity> identities;
-};
-
-/// Those of the absolute paths that name a folder that can be opened, each folder once.
-TreeRoots treeRoots(const std::vector<std::string>& paths);
+/// The folder that a walk begins with, not opened yet. Null unless the path is absolute.
+FolderPointer rootFolder(std::string path);
 
 /// What to pass over besides what is hidden, in a package, a link or unreadable.
 struct FolderRules {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "disk/file_identity.h"
 #include "disk/file_walks.h"
 
 namespace tallowcrest {
@@ -17,15 +18,23 @@ public:
     /// The size that a file must have to be kept. Grows.
     std::int64_t leastBytes() const;
 
-    void add(FoundFile file);
+    /// `folder` is the one that the file lies in. What is there already under the same name in the
+    /// same folder is not added again.
+    void add(FoundFile file, const FileIdentity& folder);
 
     /// Largest first.
     std::vector<FoundFile> sorted() const;
 
 private:
+    struct Kept {
+        FoundFile file;
+        FileIdentity folder;
+    };
+    static bool comesFirst(const Kept& left, const Kept& right);
+
     std::int64_t minimumBytes_;
     std::size_t count_;
-    std::vector<FoundFile> heap_;  ///< the first to be dropped in front
+    std::vector<Kept> heap_;  ///< the first to be dropped in front
 };
 
 }  // namespace tallowcrest

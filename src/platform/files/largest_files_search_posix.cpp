@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <mutex>
@@ -18,6 +19,7 @@
 #include "platform/files/file_system.h"
 #include "platform/files/folder_tree.h"
 #include "platform/files/largest_files.h"
+#include "platform/files/open_folders.h"
 
 namespace tallowcrest {
 namespace {
@@ -26,15 +28,9 @@ using namespace std::chrono_literals;
 
 constexpr auto progressInterval = 100ms;
 constexpr auto patienceAfterStop = 500ms;
+constexpr int mostIntervalsForRoots = 5;
 constexpr unsigned mostThreads = 4;
 constexpr std::int64_t filesPerCount = 16;  // a slow volume takes milliseconds for each
-
-std::size_t threadCount(const std::vector<std::string>& roots) {
-    if (std::ranges::any_of(roots, file_system::isRotational)) {
-        return 1;
-    }
-    return std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads);
-}
 
 /// What the threads of one search share. They own it together with the caller of `find`, which can
 /// return before them.
@@ -42,36 +38,52 @@ class Search : public std::enable_shared_from_this<Search> {
 public:
     Search(LargestFilesRequest request, PosixLargestFilesSearch::ThreadSetup setup,
            std::stop_token stop)
-        : roots_(std::move(request.roots)),
-          setup_(setup),
+        : setup_(setup),
           stop_(std::move(stop)),
           largest_(request.minimumBytes, request.count),
-          leastBytes_(largest_.leastBytes()) {}
+          leastBytes_(largest_.leastBytes()) {
+        for (std::string& path : request.roots) {
+            if (FolderPointer folder = rootFolder(std::move(path))) {
+                foldersAtHand_.push_back(folder);
+                roots_.push_back({std::move(folder)});
+            }
+        }
+    }
 
     /// Starts the threads and waits for them.
     std::vector<FoundFile> run(const std::function<void(SearchProgress)>& progress);
 
 private:
     /// Runs `work` on a thread of its own; on this one if the system gives none.
-    void start(void (Search::*work)());
+    void start(std::function<void(Search&)> work);
 
-    /// Opens the roots, which can take as long as any other folder, and begins to read them.
-    void openRoots();
+    /// Opens a root, which can take as long as any other folder.
+    void openRoot(std::size_t number);
+    /// To be called under the lock: lets those roots be read that are open and not read yet.
+    void readOpenRoots();
     void readFolders();
 
     /// Absent when everything is read or a stop was requested. Otherwise to be followed by `put`.
     std::optional<FolderPart> take();
     void put(const FolderPart& read, std::vector<FolderPart>& found);
-    void add(FoundFile file);
+    void add(FoundFile file, const Folder& folder);
     SearchProgress progressNow();
 
-    const std::vector<std::string> roots_;
+    struct Root {
+        FolderPointer folder;
+        bool isOpen = false;  ///< and not read yet
+    };
+
     const PosixLargestFilesSearch::ThreadSetup setup_;
     const std::stop_token stop_;
 
     std::mutex lock_;
     std::condition_variable partsChanged_;
-    std::condition_variable threadEnded_;
+    std::condition_variable threadEnded_;  ///< or a root is open
+    std::vector<Root> roots_;
+    std::size_t rootsTried_ = 0;
+    bool isReading_ = false;  ///< the roots are read
+    bool isOnRotationalDisk_ = false;
     FolderRules rules_;
     std::vector<FolderPart> pending_;           ///< the next on top, so that it stays short
     std::vector<FolderPointer> foldersAtHand_;  ///< the oldest first, which may be one that hangs
@@ -84,13 +96,35 @@ private:
 };
 
 std::vector<FoundFile> Search::run(const std::function<void(SearchProgress)>& progress) {
-    start(&Search::openRoots);
+    for (std::size_t number = 0; number < roots_.size(); ++number) {
+        start([number](Search& search) { search.openRoot(number); });
+    }
     std::unique_lock guard(lock_);
-    const auto haveEnded = [this] { return threads_ == 0; };
-    while (!threadEnded_.wait_for(guard, progressInterval, haveEnded) && !stop_.stop_requested()) {
+    const auto report = [&] {
         guard.unlock();
         progress(progressNow());
         guard.lock();
+    };
+    // A root inside another one is read once when both are known. One that hangs must not keep the
+    // others from being read.
+    const auto areTried = [this] { return rootsTried_ == roots_.size(); };
+    for (int interval = 0; interval < mostIntervalsForRoots && !stop_.stop_requested() &&
+                           !threadEnded_.wait_for(guard, progressInterval, areTried);
+         ++interval) {
+        report();
+    }
+    isReading_ = true;
+    readOpenRoots();
+    const std::size_t threads =
+        isOnRotationalDisk_ ? 1 : std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads);
+    guard.unlock();
+    for (std::size_t started = 0; started < threads; ++started) {
+        start(&Search::readFolders);
+    }
+    guard.lock();
+    const auto haveEnded = [this] { return threads_ == 0; };
+    while (!threadEnded_.wait_for(guard, progressInterval, haveEnded) && !stop_.stop_requested()) {
+        report();
     }
     threadEnded_.wait_for(guard, patienceAfterStop, haveEnded);
     std::vector<FoundFile> files = largest_.sorted();
@@ -99,13 +133,13 @@ std::vector<FoundFile> Search::run(const std::function<void(SearchProgress)>& pr
     return files;
 }
 
-void Search::start(void (Search::*work)()) {
+void Search::start(std::function<void(Search&)> work) {
     {
         const std::lock_guard guard(lock_);
         ++threads_;
     }
-    const auto body = [self = shared_from_this(), work] {
-        ((*self).*work)();
+    const auto body = [self = shared_from_this(), work = std::move(work)] {
+        work(*self);
         const std::lock_guard guard(self->lock_);
         --self->threads_;
         self->threadEnded_.notify_all();
@@ -120,20 +154,40 @@ void Search::start(void (Search::*work)()) {
     }
 }
 
-void Search::openRoots() {
-    TreeRoots roots = treeRoots(roots_);
-    const std::size_t threads = threadCount(roots_);
-    rules_.roots = std::move(roots.identities);
-    std::reverse(roots.parts.begin(), roots.parts.end());
-    pending_ = std::move(roots.parts);
-    for (std::size_t started = 1; started < threads; ++started) {
-        start(&Search::readFolders);
+void Search::openRoot(std::size_t number) {
+    const FolderPointer& folder = roots_[number].folder;
+    const bool isOpen = OpenFolders().enter(folder).has_value();
+    const bool isRotational = isOpen && file_system::isRotational(pathOf(*folder));
+    {
+        const std::lock_guard guard(lock_);
+        foldersAtHand_.erase(std::ranges::find(foldersAtHand_, folder.get(), &FolderPointer::get));
+        ++rootsTried_;
+        roots_[number].isOpen = isOpen;
+        isOnRotationalDisk_ = isOnRotationalDisk_ || isRotational;
+        if (isReading_) {
+            readOpenRoots();
+        }
     }
-    readFolders();
+    partsChanged_.notify_all();
+    threadEnded_.notify_all();
+}
+
+void Search::readOpenRoots() {
+    std::vector<FolderPart> parts;
+    for (Root& root : roots_) {
+        if (std::exchange(root.isOpen, false) &&
+            std::ranges::find(rules_.roots, *root.folder->identity) == rules_.roots.end()) {
+            rules_.roots.push_back(*root.folder->identity);
+            parts.push_back({root.folder});
+        }
+    }
+    pending_.insert(pending_.end(), parts.rbegin(), parts.rend());
 }
 
 void Search::readFolders() {
+    std::unique_lock guard(lock_);
     FolderTreeReader reader(rules_);
+    guard.unlock();
     std::int64_t seen = 0;
     const auto visit = [this, &seen](const Folder& folder, const char* name,
                                      const file_system::EntryStatus& status) {
@@ -141,7 +195,7 @@ void Search::readFolders() {
             filesSeen_.fetch_add(std::exchange(seen, 0), std::memory_order_relaxed);
         }
         if (status.bytes >= leastBytes_.load(std::memory_order_relaxed)) {
-            add({pathOf(folder, name), status.bytes, status.modifiedAt, status.identity});
+            add({pathOf(folder, name), status.bytes, status.modifiedAt, status.identity}, folder);
         }
         return true;
     };
@@ -179,9 +233,9 @@ void Search::put(const FolderPart& read, std::vector<FolderPart>& found) {
     found.clear();
 }
 
-void Search::add(FoundFile file) {
+void Search::add(FoundFile file, const Folder& folder) {
     const std::lock_guard guard(lock_);
-    largest_.add(std::move(file));
+    largest_.add(std::move(file), *folder.identity);
     leastBytes_.store(largest_.leastBytes(), std::memory_order_relaxed);
 }
 

@@ -8,10 +8,11 @@
 
 namespace tallowcrest {
 
-/// Searches with a few threads, with one on a disk whose heads must move. The calling thread only
-/// waits for them and reports the progress, about ten times a second and at the end: when a volume
-/// does not answer after a stop, `find` returns without its thread, which ends later by itself.
-/// A root may be a link to a folder.
+/// Searches with a few threads, with one on a disk whose heads must move, after each root was
+/// opened on a thread of its own. A root that does not open soon is read later than the others. The
+/// calling thread only waits for them and reports the progress, about ten times a second and at the
+/// end: when a volume does not answer after a stop, `find` returns without its thread, which ends
+/// later by itself. A root may be a link to a folder.
 class PosixLargestFilesSearch final : public LargestFilesSearch {
 public:
     /// Runs first on each of the threads; lowers its priority.

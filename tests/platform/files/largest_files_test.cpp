@@ -14,6 +14,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+constexpr FileIdentity home{1, 1};
+
 std::vector<std::string> pathsOf(const LargestFiles& largest) {
     std::vector<std::string> paths;
     for (const FoundFile& file : largest.sorted()) {
@@ -27,7 +29,7 @@ TEST(LargestFiles, AreSortedBySizeAndThenByPathInWhateverOrderTheyCome) {
     do {
         LargestFiles largest(3, 4);
         for (const FoundFile& file : files) {
-            largest.add(file);
+            largest.add(file, home);
         }
         ASSERT_THAT(pathsOf(largest), ElementsAre("/d", "/b", "/a", "/c"));
     } while (std::next_permutation(
@@ -37,27 +39,36 @@ TEST(LargestFiles, AreSortedBySizeAndThenByPathInWhateverOrderTheyCome) {
 
 TEST(LargestFiles, BeginAtTheMinimum) {
     LargestFiles largest(100, 30);
-    largest.add({"/less", 99});
-    largest.add({"/exactly", 100});
-    largest.add({"/most", std::numeric_limits<std::int64_t>::max()});
+    largest.add({"/less", 99}, home);
+    largest.add({"/exactly", 100}, home);
+    largest.add({"/most", std::numeric_limits<std::int64_t>::max()}, home);
     EXPECT_THAT(pathsOf(largest), ElementsAre("/most", "/exactly"));
 }
 
 TEST(LargestFiles, TellWhichSizesStillMatter) {
     LargestFiles largest(10, 2);
     EXPECT_EQ(largest.leastBytes(), 10);
-    largest.add({"/a", 30});
+    largest.add({"/a", 30}, home);
     EXPECT_EQ(largest.leastBytes(), 10);
-    largest.add({"/b", 20});
+    largest.add({"/b", 20}, home);
     EXPECT_EQ(largest.leastBytes(), 20);
-    largest.add({"/c", 40});
+    largest.add({"/c", 40}, home);
     EXPECT_EQ(largest.leastBytes(), 30);
+}
+
+TEST(LargestFiles, HaveAFileOnceThatIsReachedInTwoWays) {
+    LargestFiles largest(10, 30);
+    largest.add({"/home/a", 30}, home);
+    largest.add({"/link/a", 40}, home);
+    largest.add({"/link/b", 30}, home);
+    largest.add({"/other/a", 30}, {1, 2});
+    EXPECT_THAT(pathsOf(largest), ElementsAre("/home/a", "/link/b", "/other/a"));
 }
 
 TEST(LargestFiles, CanBeNone) {
     LargestFiles largest(0, 0);
     EXPECT_EQ(largest.leastBytes(), std::numeric_limits<std::int64_t>::max());
-    largest.add({"/a", std::numeric_limits<std::int64_t>::max()});
+    largest.add({"/a", std::numeric_limits<std::int64_t>::max()}, home);
     EXPECT_THAT(pathsOf(largest), IsEmpty());
 }
 
