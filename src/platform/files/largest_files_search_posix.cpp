@@ -37,8 +37,9 @@ constexpr std::int64_t filesPerCount = 16;  // a slow volume takes milliseconds 
 class Search : public std::enable_shared_from_this<Search> {
 public:
     Search(LargestFilesRequest request, PosixLargestFilesSearch::ThreadSetup setup,
-           std::stop_token stop)
+           PosixLargestFilesSearch::IsRotational isRotational, std::stop_token stop)
         : setup_(setup),
+          isRotational_(isRotational),
           stop_(std::move(stop)),
           largest_(request.minimumBytes, request.count),
           leastBytes_(largest_.leastBytes()) {
@@ -61,6 +62,10 @@ private:
     void openRoot(std::size_t number);
     /// To be called under the lock: lets those roots be read that are open and not read yet.
     void readOpenRoots();
+    /// To be called under the lock.
+    unsigned mostReaders() const;
+    /// To be called under the lock: whether the folder is a root that has not opened yet.
+    bool isAwaited(const Folder& folder) const;
     void readFolders();
 
     /// Absent when everything is read or a stop was requested. Otherwise to be followed by `put`.
@@ -71,17 +76,19 @@ private:
 
     struct Root {
         FolderPointer folder;
+        bool isTried = false;
         bool isOpen = false;  ///< and not read yet
     };
+    bool areRootsTried() const { return std::ranges::all_of(roots_, &Root::isTried); }
 
     const PosixLargestFilesSearch::ThreadSetup setup_;
+    const PosixLargestFilesSearch::IsRotational isRotational_;
     const std::stop_token stop_;
 
     std::mutex lock_;
     std::condition_variable partsChanged_;
-    std::condition_variable threadEnded_;  ///< or a root is open
+    std::condition_variable threadEnded_;  ///< or a root was tried
     std::vector<Root> roots_;
-    std::size_t rootsTried_ = 0;
     bool isReading_ = false;  ///< the roots are read
     bool isOnRotationalDisk_ = false;
     FolderRules rules_;
@@ -107,7 +114,7 @@ std::vector<FoundFile> Search::run(const std::function<void(SearchProgress)>& pr
     };
     // A root inside another one is read once when both are known. One that hangs must not keep the
     // others from being read.
-    const auto areTried = [this] { return rootsTried_ == roots_.size(); };
+    const auto areTried = [this] { return areRootsTried(); };
     for (int interval = 0; interval < mostIntervalsForRoots && !stop_.stop_requested() &&
                            !threadEnded_.wait_for(guard, progressInterval, areTried);
          ++interval) {
@@ -115,17 +122,18 @@ std::vector<FoundFile> Search::run(const std::function<void(SearchProgress)>& pr
     }
     isReading_ = true;
     readOpenRoots();
-    const std::size_t threads =
-        isOnRotationalDisk_ ? 1 : std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads);
-    guard.unlock();
-    for (std::size_t started = 0; started < threads; ++started) {
-        start(&Search::readFolders);
-    }
-    guard.lock();
     const auto haveEnded = [this] { return threads_ == 0; };
-    while (!threadEnded_.wait_for(guard, progressInterval, haveEnded) && !stop_.stop_requested()) {
-        report();
+    for (unsigned readers = 0;; report()) {
+        for (; readers < mostReaders(); ++readers) {
+            guard.unlock();
+            start(&Search::readFolders);
+            guard.lock();
+        }
+        if (threadEnded_.wait_for(guard, progressInterval, haveEnded) || stop_.stop_requested()) {
+            break;
+        }
     }
+    partsChanged_.notify_all();
     threadEnded_.wait_for(guard, patienceAfterStop, haveEnded);
     std::vector<FoundFile> files = largest_.sorted();
     guard.unlock();
@@ -157,11 +165,11 @@ void Search::start(std::function<void(Search&)> work) {
 void Search::openRoot(std::size_t number) {
     const FolderPointer& folder = roots_[number].folder;
     const bool isOpen = OpenFolders().enter(folder).has_value();
-    const bool isRotational = isOpen && file_system::isRotational(pathOf(*folder));
+    const bool isRotational = isOpen && isRotational_(pathOf(*folder));
     {
         const std::lock_guard guard(lock_);
         foldersAtHand_.erase(std::ranges::find(foldersAtHand_, folder.get(), &FolderPointer::get));
-        ++rootsTried_;
+        roots_[number].isTried = true;
         roots_[number].isOpen = isOpen;
         isOnRotationalDisk_ = isOnRotationalDisk_ || isRotational;
         if (isReading_) {
@@ -182,6 +190,20 @@ void Search::readOpenRoots() {
         }
     }
     pending_.insert(pending_.end(), parts.rbegin(), parts.rend());
+}
+
+unsigned Search::mostReaders() const {
+    // It may be a disk whose heads must move that has not answered yet.
+    return isOnRotationalDisk_ || !areRootsTried()
+               ? 1
+               : std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads);
+}
+
+bool Search::isAwaited(const Folder& folder) const {
+    return !areRootsTried() &&
+           std::ranges::any_of(roots_, [path = pathOf(folder)](const Root& root) {
+               return !root.isTried && pathOf(*root.folder) == path;
+           });
 }
 
 void Search::readFolders() {
@@ -209,7 +231,9 @@ void Search::readFolders() {
 
 std::optional<FolderPart> Search::take() {
     std::unique_lock guard(lock_);
-    partsChanged_.wait(guard, [this] { return !pending_.empty() || foldersAtHand_.empty(); });
+    partsChanged_.wait(guard, [this] {
+        return !pending_.empty() || foldersAtHand_.empty() || stop_.stop_requested();
+    });
     if (pending_.empty() || stop_.stop_requested()) {
         return std::nullopt;
     }
@@ -226,6 +250,7 @@ void Search::put(const FolderPart& read, std::vector<FolderPart>& found) {
         const std::lock_guard guard(lock_);
         foldersAtHand_.erase(
             std::ranges::find(foldersAtHand_, read.folder.get(), &FolderPointer::get));
+        std::erase_if(found, [this](const FolderPart& part) { return isAwaited(*part.folder); });
         pending_.insert(pending_.end(), std::make_move_iterator(found.begin()),
                         std::make_move_iterator(found.end()));
     }
@@ -258,7 +283,7 @@ SearchProgress Search::progressNow() {
 std::vector<FoundFile> PosixLargestFilesSearch::find(
     const LargestFilesRequest& request, const std::function<void(SearchProgress)>& progress,
     const std::stop_token& stop) {
-    return std::make_shared<Search>(request, setup_, stop)->run(progress);
+    return std::make_shared<Search>(request, setup_, isRotational_, stop)->run(progress);
 }
 
 }  // namespace tallowcrest

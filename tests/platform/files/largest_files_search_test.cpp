@@ -165,32 +165,62 @@ TEST_F(LargestFilesSearchTest, RunsTheSetupOnItsThreads) {
     EXPECT_FALSE(isSetUp);
 }
 
-TEST_F(LargestFilesSearchTest, ARootThatOpensLateIsReadThenAndNoFileIsListedTwice) {
-    static std::mutex hangs;
-    static std::atomic<bool> isFirst;
+/// Decides when a root opens, and on which kind of disk it lies.
+struct LateRoot {
+    static bool isRotational(const std::string& root) {
+        if (root == path) {
+            const std::lock_guard wait(closed);
+            return isOnRotationalDisk;
+        }
+        return false;
+    }
+    static void countThread() { ++threads; }
+
+    static inline std::mutex closed;
+    static inline std::string path;
+    static inline bool isOnRotationalDisk = false;
+    static inline std::atomic<int> threads = 0;
+};
+
+TEST_F(LargestFilesSearchTest, ARootThatOpensLateIsReadThenAndNothingTwice) {
     tree.file("outer/a", 20);
     tree.file("outer/inner/b", 10);
-    for (const std::vector<std::string>& roots : {std::vector{tree / "outer/inner", tree / "outer"},
-                                                  std::vector{tree / "outer", tree / "outer/inner"},
-                                                  std::vector{tree / "outer", tree / "outer"}}) {
-        isFirst = true;
-        std::unique_lock late(hangs);
-        PosixLargestFilesSearch hanging([] {
-            if (isFirst.exchange(false)) {
-                const std::lock_guard wait(hangs);
+    for (const char* const late : {"outer", "outer/inner"}) {
+        for (const bool isOnRotationalDisk : {false, true}) {
+            LateRoot::path = tree / late;
+            LateRoot::isOnRotationalDisk = isOnRotationalDisk;
+            LateRoot::threads = 0;
+            PosixLargestFilesSearch searchWithLateRoot(LateRoot::countThread,
+                                                       LateRoot::isRotational);
+            std::unique_lock closed(LateRoot::closed);
+            SearchProgress latest;
+            const std::vector<FoundFile> files = searchWithLateRoot.find(
+                {{tree / "outer", tree / "outer/inner"}, 1, 30},
+                [&](SearchProgress now) {
+                    latest = std::move(now);
+                    if (latest.filesSeen == 1 && closed.owns_lock()) {
+                        EXPECT_EQ(latest.folder, LateRoot::path);
+                        EXPECT_EQ(LateRoot::threads, 3) << "two for the roots, and one that reads";
+                        closed.unlock();
+                    }
+                },
+                {});
+            EXPECT_FALSE(closed.owns_lock()) << "the other root was read before";
+            EXPECT_THAT(tree.names(files), ElementsAre("outer/a", "outer/inner/b"));
+            EXPECT_EQ(latest.filesSeen, 2);
+            if (isOnRotationalDisk) {
+                EXPECT_EQ(LateRoot::threads, 3);
             }
-        });
-        const std::vector<FoundFile> files =
-            hanging.find({roots, 1, 30},
-                         [&](const SearchProgress& now) {
-                             if (now.filesSeen > 0 && late.owns_lock()) {
-                                 late.unlock();
-                             }
-                         },
-                         {});
-        EXPECT_FALSE(late.owns_lock()) << "the other root was read before";
-        EXPECT_THAT(tree.names(files), ElementsAre("outer/a", "outer/inner/b"));
+        }
     }
+}
+
+TEST_F(LargestFilesSearchTest, OneThreadReadsARotationalDisk) {
+    LateRoot::threads = 0;
+    PosixLargestFilesSearch rotational(LateRoot::countThread,
+                                       [](const std::string&) { return true; });
+    rotational.find({{tree.path()}, 1, 30}, [](const SearchProgress&) {}, {});
+    EXPECT_EQ(LateRoot::threads, 2) << "one opens the root";
 }
 
 TEST_F(LargestFilesSearchTest, DoesNotBeginAfterAStop) {
