@@ -14,6 +14,9 @@ function(tallowcrest_layer name)
         ${target}
         PUBLIC ${LAYER_DEPENDS} ${LAYER_LIBRARIES}
         PRIVATE tallowcrest_options)
+    if("${LAYER_LIBRARIES}" MATCHES "Qt6")
+        target_link_libraries(${target} PRIVATE tallowcrest_window_options)
+    endif()
     if("${LAYER_LIBRARIES}" MATCHES "Qt6::Widgets")
         tallowcrest_precompile(${target} qt)
     endif()

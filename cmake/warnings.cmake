@@ -29,6 +29,10 @@ if(TALLOWCREST_SANITIZE)
     endif()
 endif()
 
+# The window spends its time in Qt. Its own code costs more by the memory that it takes.
+add_library(tallowcrest_window_options INTERFACE)
+target_compile_options(tallowcrest_window_options INTERFACE $<$<CONFIG:Release>:-Os>)
+
 # Tests are usually built and run once, so optimising them costs more time than it saves. Files of
 # one program are compiled together: a local name may be that of a function of another file.
 add_library(tallowcrest_test_options INTERFACE)
