@@ -1,16 +1,20 @@
 #include "presentation/widgets/selectable_text.h"
 
+#include <algorithm>
 #include <cmath>
 
+#include <QAccessibleWidget>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <QTextDocumentFragment>
 #include <QTextOption>
 #include <QWheelEvent>
 
+#include "presentation/widgets/accessibility.h"
 #include "presentation/widgets/page_scroll_area.h"
 #include "presentation/widgets/theme.h"
 
@@ -23,6 +27,92 @@ constexpr int textMargin = 10;
 constexpr int preferredWidth = 480;
 constexpr int frameRadius = 8;
 
+/// Qt's own interface of such a text would let assistive technology change it.
+class TextInterface final : public QAccessibleWidget, public QAccessibleTextInterface {
+public:
+    explicit TextInterface(SelectableText* text)
+        : QAccessibleWidget(text, QAccessible::StaticText) {}
+
+    /// Its viewport and scroll bars say nothing.
+    int childCount() const override { return 0; }
+    QAccessibleInterface* child(int) const override { return nullptr; }
+    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.readOnly = true;
+        state.multiLine = true;
+        return state;
+    }
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::TextInterface && isValid()
+                   ? static_cast<QAccessibleTextInterface*>(this)
+                   : QAccessibleWidget::interface_cast(type);
+    }
+
+    using QAccessibleWidget::text;
+    QString text(int startOffset, int endOffset) const override {
+        return shown().shownText().mid(startOffset, endOffset - startOffset);
+    }
+    int characterCount() const override { return static_cast<int>(shown().shownText().size()); }
+    int cursorPosition() const override { return shown().textCursor().position(); }
+    void setCursorPosition(int position) override { select(position, position); }
+    int selectionCount() const override { return shown().textCursor().hasSelection() ? 1 : 0; }
+    void selection(int, int* startOffset, int* endOffset) const override {
+        *startOffset = shown().textCursor().selectionStart();
+        *endOffset = shown().textCursor().selectionEnd();
+    }
+    void addSelection(int startOffset, int endOffset) override { select(startOffset, endOffset); }
+    void setSelection(int, int startOffset, int endOffset) override {
+        select(startOffset, endOffset);
+    }
+    void removeSelection(int) override { setCursorPosition(cursorPosition()); }
+    QRect characterRect(int offset) const override {
+        const QRect caret = shown().cursorRect(cursorAt(offset));
+        const int width = shown().cursorRect(cursorAt(offset + 1)).left() - caret.left();
+        return {shown().viewport()->mapToGlobal(caret.topLeft()),
+                QSize(std::max(width, 1), caret.height())};
+    }
+    int offsetAtPoint(const QPoint& point) const override {
+        return shown().cursorForPosition(shown().viewport()->mapFromGlobal(point)).position();
+    }
+    void scrollToSubstring(int startIndex, int) override { setCursorPosition(startIndex); }
+    QString attributes(int, int* startOffset, int* endOffset) const override {
+        *startOffset = 0;
+        *endOffset = characterCount();
+        return {};
+    }
+
+private:
+    SelectableText& shown() const { return *static_cast<SelectableText*>(object()); }
+
+    QTextCursor cursorAt(int offset) const {
+        QTextCursor cursor(shown().document());
+        cursor.setPosition(std::clamp(offset, 0, shown().document()->characterCount() - 1));
+        return cursor;
+    }
+
+    void select(int startOffset, int endOffset) {
+        QTextCursor cursor = cursorAt(startOffset);
+        cursor.setPosition(cursorAt(endOffset).position(), QTextCursor::KeepAnchor);
+        shown().setTextCursor(cursor);
+    }
+};
+
+QAccessibleInterface* textInterface(const QString&, QObject* object) {
+    auto* text = qobject_cast<SelectableText*>(object);
+    return text != nullptr ? new TextInterface(text) : nullptr;
+}
+
+void installTextInterface() {
+    static const bool installed = [] {
+        QAccessible::installFactory(textInterface);
+        return true;
+    }();
+    static_cast<void>(installed);
+}
+
 double heightOf(QTextDocument& document, int width) {
     document.setTextWidth(width);
     return document.size().height();
@@ -32,7 +122,7 @@ double heightOf(QTextDocument& document, int width) {
 
 SelectableText::SelectableText(const QString& identifier, QWidget* parent, Look look)
     : QTextEdit(parent), look_(look) {
-    installAccessibleFigures();
+    installTextInterface();
     setObjectName(identifier);
     setFont(CrestFonts::current().body);
     if (look_ == Look::framed) {

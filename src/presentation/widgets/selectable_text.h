@@ -5,14 +5,13 @@
 #include <QString>
 #include <QTextEdit>
 
-#include "presentation/widgets/accessibility.h"
-
 namespace tallowcrest {
 
 /// A long plain text, which can be selected and copied by pointer and keyboard. It wraps, also
 /// within a word that is wider than its room, and is as high as its text, so that what is around it
-/// scrolls. To assistive technology it is one static text. Main thread.
-class SelectableText final : public QTextEdit, public AccessibleFigure {
+/// scrolls. To assistive technology it is one static text, which it reads and selects but cannot
+/// change. Main thread.
+class SelectableText final : public QTextEdit {
     Q_OBJECT
 
 public:
@@ -39,10 +38,6 @@ public:
     QSize minimumSizeHint() const override;
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
-
-    QAccessible::Role accessibleRole() const override { return QAccessible::StaticText; }
-    QString accessibleValue() const override { return text_; }
-    bool saysAllWithin() const override { return look_ == Look::bare; }
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -58,6 +58,16 @@ class Announcements(WindowTestCase):
         self.assertTrue(any(name.startswith("You: ") for name in names), names)
         self.assertTrue(any(name.startswith("Tallowcrest: ") for name in names), names)
 
+    def test_all_that_would_be_sent_can_be_read(self):
+        from gi.repository import Atspi
+        _, window, _ = self.start_window()
+        window.go_to("AI Advisor")
+        window.press(Atspi.Role.PUSH_BUTTON, "Show Payload")
+        payload = window.find(Atspi.Role.LABEL, "Payload").get_text_iface()
+        text = Atspi.Text.get_text(payload, 0, -1)
+        self.assertIn("CPU", text)
+        self.assertEqual(len(text), Atspi.Text.get_character_count(payload))
+
 
 if __name__ == "__main__":
     main()

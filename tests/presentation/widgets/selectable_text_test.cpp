@@ -109,6 +109,40 @@ TEST_F(SelectableTextTest, AssistiveTechnologyReadsItAndCannotChangeIt) {
     EXPECT_EQ(spoken->text(QAccessible::Name), u"An answer."_s);
     EXPECT_EQ(spoken->editableTextInterface(), nullptr);
     EXPECT_TRUE(spoken->state().focusable);
+    EXPECT_TRUE(spoken->state().readOnly);
+    EXPECT_EQ(spoken->childCount(), 0);
+}
+
+TEST_F(SelectableTextTest, AssistiveTechnologyReadsATextWithAnotherNameByItsParts) {
+    text->setShortName(u"Payload"_s);
+    show(u"CPU 3%\nMemory 40%"_s);
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(text);
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->text(QAccessible::Name), u"Payload"_s);
+    QAccessibleTextInterface* read = spoken->textInterface();
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(read->text(0, read->characterCount()), u"CPU 3%\nMemory 40%"_s);
+    int start = 0;
+    int end = 0;
+    EXPECT_EQ(read->textAtOffset(8, QAccessible::LineBoundary, &start, &end), u"Memory 40%"_s);
+    EXPECT_EQ(start, 7);
+    EXPECT_EQ(end, 17);
+
+    read->setSelection(0, 7, 99);
+    EXPECT_EQ(text->textCursor().selectedText(), u"Memory 40%"_s);
+    EXPECT_EQ(read->selectionCount(), 1);
+    read->selection(0, &start, &end);
+    EXPECT_EQ(start, 7);
+    EXPECT_EQ(end, 17);
+    read->removeSelection(0);
+    EXPECT_EQ(read->selectionCount(), 0);
+    read->setCursorPosition(-1);
+    EXPECT_EQ(read->cursorPosition(), 0);
+
+    const QRect first = read->characterRect(0);
+    EXPECT_TRUE(QRect(page.mapToGlobal(QPoint()), page.size()).contains(first)) << "on the page";
+    EXPECT_EQ(read->offsetAtPoint(first.center() - QPoint(1, 0)), 0);
+    EXPECT_GT(read->characterRect(7).top(), first.top());
 }
 
 }  // namespace
