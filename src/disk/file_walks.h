@@ -44,7 +44,8 @@ public:
 };
 
 struct LargestFilesRequest {
-    std::vector<std::string> roots;  ///< searched in this order; one that is missing is passed over
+    std::vector<std::string>
+        roots;  ///< searched in this order, as they open; missing ones are passed over
     std::int64_t minimumBytes = 0;
     std::size_t count = 0;  ///< most files in the result
 };

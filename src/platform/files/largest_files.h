@@ -10,7 +10,8 @@
 namespace tallowcrest {
 
 /// The largest of the files that were added, at most `count`; among equal ones, those whose paths
-/// come first. The order of the additions has no influence. One thread.
+/// come first. The order of the additions has no influence, but on
+/// the path of a file that is reached in two ways. One thread.
 class LargestFiles {
 public:
     LargestFiles(std::int64_t minimumBytes, std::size_t count);

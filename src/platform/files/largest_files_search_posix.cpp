@@ -64,8 +64,7 @@ private:
     void readOpenRoots();
     /// To be called under the lock.
     unsigned mostReaders() const;
-    /// To be called under the lock: whether the folder is a root that has not opened yet.
-    bool isAwaited(const Folder& folder) const;
+    bool isRoot(const Folder& folder) const;
     void readFolders();
 
     /// Absent when everything is read or a stop was requested. Otherwise to be followed by `put`.
@@ -86,10 +85,11 @@ private:
     const std::stop_token stop_;
 
     std::mutex lock_;
-    std::condition_variable partsChanged_;
+    std::condition_variable_any partsChanged_;
     std::condition_variable threadEnded_;  ///< or a root was tried
     std::vector<Root> roots_;
-    bool isReading_ = false;  ///< the roots are read
+    bool isReading_ = false;    ///< the roots are read
+    bool areSomeLate_ = false;  ///< roots that were not tried when the others were read
     bool isOnRotationalDisk_ = false;
     FolderRules rules_;
     std::vector<FolderPart> pending_;           ///< the next on top, so that it stays short
@@ -121,6 +121,7 @@ std::vector<FoundFile> Search::run(const std::function<void(SearchProgress)>& pr
         report();
     }
     isReading_ = true;
+    areSomeLate_ = !areRootsTried();
     readOpenRoots();
     const auto haveEnded = [this] { return threads_ == 0; };
     for (unsigned readers = 0;; report()) {
@@ -133,7 +134,6 @@ std::vector<FoundFile> Search::run(const std::function<void(SearchProgress)>& pr
             break;
         }
     }
-    partsChanged_.notify_all();
     threadEnded_.wait_for(guard, patienceAfterStop, haveEnded);
     std::vector<FoundFile> files = largest_.sorted();
     guard.unlock();
@@ -199,11 +199,9 @@ unsigned Search::mostReaders() const {
                : std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads);
 }
 
-bool Search::isAwaited(const Folder& folder) const {
-    return !areRootsTried() &&
-           std::ranges::any_of(roots_, [path = pathOf(folder)](const Root& root) {
-               return !root.isTried && pathOf(*root.folder) == path;
-           });
+bool Search::isRoot(const Folder& folder) const {
+    return std::ranges::any_of(
+        roots_, [path = pathOf(folder)](const Root& root) { return root.folder->name == path; });
 }
 
 void Search::readFolders() {
@@ -231,9 +229,8 @@ void Search::readFolders() {
 
 std::optional<FolderPart> Search::take() {
     std::unique_lock guard(lock_);
-    partsChanged_.wait(guard, [this] {
-        return !pending_.empty() || foldersAtHand_.empty() || stop_.stop_requested();
-    });
+    partsChanged_.wait(guard, stop_,
+                       [this] { return !pending_.empty() || foldersAtHand_.empty(); });
     if (pending_.empty() || stop_.stop_requested()) {
         return std::nullopt;
     }
@@ -250,7 +247,12 @@ void Search::put(const FolderPart& read, std::vector<FolderPart>& found) {
         const std::lock_guard guard(lock_);
         foldersAtHand_.erase(
             std::ranges::find(foldersAtHand_, read.folder.get(), &FolderPointer::get));
-        std::erase_if(found, [this](const FolderPart& part) { return isAwaited(*part.folder); });
+        if (areSomeLate_) {
+            // The reader began before it could know which folder a late root is.
+            std::erase_if(found, [this](const FolderPart& part) {
+                return part.position == 0 && isRoot(*part.folder);
+            });
+        }
         pending_.insert(pending_.end(), std::make_move_iterator(found.begin()),
                         std::make_move_iterator(found.end()));
     }

@@ -41,6 +41,7 @@ public:
     QAccessible::State state() const override {
         QAccessible::State state = QAccessibleWidget::state();
         state.readOnly = true;
+        state.selectableText = true;
         state.multiLine = true;
         return state;
     }
@@ -53,7 +54,7 @@ public:
 
     using QAccessibleWidget::text;
     QString text(int startOffset, int endOffset) const override {
-        return shown().shownText().mid(startOffset, endOffset - startOffset);
+        return shown().shownText().mid(startOffset, std::max(endOffset - startOffset, 0));
     }
     int characterCount() const override { return static_cast<int>(shown().shownText().size()); }
     int cursorPosition() const override { return shown().textCursor().position(); }
@@ -69,15 +70,18 @@ public:
     }
     void removeSelection(int) override { setCursorPosition(cursorPosition()); }
     QRect characterRect(int offset) const override {
-        const QRect caret = shown().cursorRect(cursorAt(offset));
-        const int width = shown().cursorRect(cursorAt(offset + 1)).left() - caret.left();
+        QTextCursor cursor = cursorAt(offset);
+        const QRect caret = shown().cursorRect(cursor);
+        cursor.movePosition(QTextCursor::NextCharacter);
+        const int width = shown().cursorRect(cursor).left() - caret.left();
         return {shown().viewport()->mapToGlobal(caret.topLeft()),
                 QSize(std::max(width, 1), caret.height())};
     }
     int offsetAtPoint(const QPoint& point) const override {
         return shown().cursorForPosition(shown().viewport()->mapFromGlobal(point)).position();
     }
-    void scrollToSubstring(int startIndex, int) override { setCursorPosition(startIndex); }
+    /// All of the text is shown; it is the page that scrolls.
+    void scrollToSubstring(int, int) override {}
     QString attributes(int, int* startOffset, int* endOffset) const override {
         *startOffset = 0;
         *endOffset = characterCount();

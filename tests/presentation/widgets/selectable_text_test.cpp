@@ -110,6 +110,7 @@ TEST_F(SelectableTextTest, AssistiveTechnologyReadsItAndCannotChangeIt) {
     EXPECT_EQ(spoken->editableTextInterface(), nullptr);
     EXPECT_TRUE(spoken->state().focusable);
     EXPECT_TRUE(spoken->state().readOnly);
+    EXPECT_TRUE(spoken->state().selectableText);
     EXPECT_EQ(spoken->childCount(), 0);
 }
 
@@ -127,6 +128,9 @@ TEST_F(SelectableTextTest, AssistiveTechnologyReadsATextWithAnotherNameByItsPart
     EXPECT_EQ(read->textAtOffset(8, QAccessible::LineBoundary, &start, &end), u"Memory 40%"_s);
     EXPECT_EQ(start, 7);
     EXPECT_EQ(end, 17);
+
+    EXPECT_EQ(read->text(5, 3), QString());
+    EXPECT_EQ(read->text(7, 99), u"Memory 40%"_s);
 
     read->setSelection(0, 7, 99);
     EXPECT_EQ(text->textCursor().selectedText(), u"Memory 40%"_s);
