@@ -73,12 +73,14 @@ private:
     void add(FoundFile file, const Folder& folder);
     SearchProgress progressNow();
 
+    enum class RootState { isOpening, isOpen, isDone };
     struct Root {
         FolderPointer folder;
-        bool isTried = false;
-        bool isOpen = false;  ///< and not read yet
+        RootState state = RootState::isOpening;
     };
-    bool areRootsTried() const { return std::ranges::all_of(roots_, &Root::isTried); }
+    bool areRootsTried() const {
+        return std::ranges::find(roots_, RootState::isOpening, &Root::state) == roots_.end();
+    }
 
     const PosixLargestFilesSearch::ThreadSetup setup_;
     const PosixLargestFilesSearch::IsRotational isRotational_;
@@ -169,8 +171,7 @@ void Search::openRoot(std::size_t number) {
     {
         const std::lock_guard guard(lock_);
         foldersAtHand_.erase(std::ranges::find(foldersAtHand_, folder.get(), &FolderPointer::get));
-        roots_[number].isTried = true;
-        roots_[number].isOpen = isOpen;
+        roots_[number].state = isOpen ? RootState::isOpen : RootState::isDone;
         isOnRotationalDisk_ = isOnRotationalDisk_ || isRotational;
         if (isReading_) {
             readOpenRoots();
@@ -183,8 +184,11 @@ void Search::openRoot(std::size_t number) {
 void Search::readOpenRoots() {
     std::vector<FolderPart> parts;
     for (Root& root : roots_) {
-        if (std::exchange(root.isOpen, false) &&
-            std::ranges::find(rules_.roots, *root.folder->identity) == rules_.roots.end()) {
+        if (root.state != RootState::isOpen) {
+            continue;
+        }
+        root.state = RootState::isDone;
+        if (std::ranges::find(rules_.roots, *root.folder->identity) == rules_.roots.end()) {
             rules_.roots.push_back(*root.folder->identity);
             parts.push_back({root.folder});
         }

@@ -46,7 +46,7 @@ ConfirmationDetails confirmationDetails(SystemMonitor& monitor,
                                         const ConfirmationRequest& request) {
     if (request.kind == Provider::confirmationKind) {
         return {.name = u"What Is Sent"_s,
-                .description = u"Shows the whole text that would be sent, below"_s,
+                .description = u"The whole text that would be sent, below"_s,
                 .text = advisorPayload(monitor),
                 .note = advisorNote(monitor),
                 .followState = true};
@@ -55,7 +55,7 @@ ConfirmationDetails confirmationDetails(SystemMonitor& monitor,
     if (const auto& plan = monitor.disk().autopilot.state().diskCleanupPlan;
         request.kind == disk_receipts::confirmationKind && plan) {
         return {.name = planSummary(*plan),
-                .description = u"Shows all files that would be moved to Trash, below"_s,
+                .description = u"All files that would be moved to Trash, below"_s,
                 .text = planFiles(*plan),
                 .note = {},
                 .areShown = true};
@@ -63,7 +63,7 @@ ConfirmationDetails confirmationDetails(SystemMonitor& monitor,
     if (const auto& file = monitor.disk().files.state().pendingStorageSuggestion;
         request.kind == personal_file_texts::confirmationKind && file) {
         return {.name = u"File · "_s + sizeText(file->bytes),
-                .description = u"Shows the file that would be moved to Trash, below"_s,
+                .description = u"The file that would be moved to Trash, below"_s,
                 .text = boundedPath(file->path),
                 .note = {},
                 .areShown = true};

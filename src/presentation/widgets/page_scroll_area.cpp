@@ -24,14 +24,6 @@ QAccessibleInterface* pageInterface(const QString&, QObject* object) {
     return area != nullptr ? new QAccessibleWidget(area, QAccessible::Client) : nullptr;
 }
 
-void installPageInterface() {
-    static const bool installed = [] {
-        QAccessible::installFactory(pageInterface);
-        return true;
-    }();
-    static_cast<void>(installed);
-}
-
 constexpr std::array<std::pair<Qt::Key, QAbstractSlider::SliderAction>, 4> scrollKeys{
     {{Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd},
      {Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
@@ -51,7 +43,7 @@ bool isPageScrollKey(int key) {
 }
 
 PageScrollArea::PageScrollArea(QWidget* content, QWidget* parent) : QScrollArea(parent) {
-    installPageInterface();
+    QAccessible::installFactory(pageInterface);  // which Qt keeps once
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -100,14 +100,6 @@ QAccessibleInterface* secretInterface(const QString&, QObject* object) {
     return field != nullptr ? new SecretInterface(field) : nullptr;
 }
 
-void installSecretInterface() {
-    static const bool installed = [] {
-        QAccessible::installFactory(secretInterface);
-        return true;
-    }();
-    static_cast<void>(installed);
-}
-
 /// Overwrites memory that nothing reads afterwards, which a compiler could otherwise leave out.
 template <class Unit>
 void overwrite(Unit* units, qsizetype count) {
@@ -148,7 +140,7 @@ void overwriteReceived(const QWidget& field) {
 
 SecretField::SecretField(const QString& identifier, int most, QWidget* parent)
     : QLineEdit(parent), most_(most) {
-    installSecretInterface();
+    QAccessible::installFactory(secretInterface);  // which Qt keeps once
     setObjectName(identifier);
     setEchoMode(QLineEdit::Password);
     setMaxLength(most);

@@ -109,14 +109,6 @@ QAccessibleInterface* textInterface(const QString&, QObject* object) {
     return text != nullptr ? new TextInterface(text) : nullptr;
 }
 
-void installTextInterface() {
-    static const bool installed = [] {
-        QAccessible::installFactory(textInterface);
-        return true;
-    }();
-    static_cast<void>(installed);
-}
-
 double heightOf(QTextDocument& document, int width) {
     document.setTextWidth(width);
     return document.size().height();
@@ -126,7 +118,7 @@ double heightOf(QTextDocument& document, int width) {
 
 SelectableText::SelectableText(const QString& identifier, QWidget* parent, Look look)
     : QTextEdit(parent), look_(look) {
-    installTextInterface();
+    QAccessible::installFactory(textInterface);  // which Qt keeps once
     setObjectName(identifier);
     setFont(CrestFonts::current().body);
     if (look_ == Look::framed) {

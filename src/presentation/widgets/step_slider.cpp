@@ -56,14 +56,6 @@ QAccessibleInterface* sliderInterface(const QString&, QObject* object) {
     return slider != nullptr ? new StepSliderInterface(slider) : nullptr;
 }
 
-void installSliderInterface() {
-    static const bool installed = [] {
-        QAccessible::installFactory(sliderInterface);
-        return true;
-    }();
-    static_cast<void>(installed);
-}
-
 }  // namespace
 
 int SliderScale::steps() const {
@@ -79,7 +71,7 @@ int SliderScale::nearestStep(double value) const {
 
 StepSlider::StepSlider(const SliderScale& scale, QWidget* parent)
     : QSlider(Qt::Horizontal, parent), scale_(scale) {
-    installSliderInterface();
+    QAccessible::installFactory(sliderInterface);  // which Qt keeps once
     setRange(0, scale.steps());
     setPageStep(std::max(1, scale.steps() / pagesPerScale));
     setAttribute(Qt::WA_Hover);

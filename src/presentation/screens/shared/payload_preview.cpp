@@ -31,7 +31,7 @@ PayloadPreview::PayloadPreview(const QString& prefix, QWidget* parent) : QWidget
                            prefix + u".preview-payload"_s,
                            u"Puts the report that would be sent on the clipboard"_s, this),
                 makeButton(u"Show Payload"_s, QString(), prefix + u".show-payload"_s,
-                           u"Shows the whole text that would be sent"_s, this)};
+                           u"The whole text that would be sent"_s, this)};
     connect(buttons_[0], &QPushButton::clicked, this, &PayloadPreview::copyWanted);
     connect(buttons_[1], &QPushButton::clicked, this, &PayloadPreview::toggled);
 }
