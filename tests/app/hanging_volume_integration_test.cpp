@@ -196,11 +196,13 @@ TEST(HangingVolume, AnAnalysisTellsWhereItHangsAndCanBeStopped) {
     });
 }
 
-TEST(HangingVolume, AnAnalysisSearchesTheOtherFoldersWhileOneDoesNotOpen) {
-    onHangingMachine([](HangingMachine& machine) {
+/// Has an analysis find a film in one folder while another one does not open, and runs `work` then.
+void onAnalysisWithClosedFolder(
+    const std::function<void(HangingMachine&, HangingFolder& closed)>& work) {
+    onHangingMachine([&](HangingMachine& machine) {
         machine.downloads.answer();
-        HangingFolder downloads(machine.places.downloads());
-        ASSERT_TRUE(downloads.isMounted());
+        HangingFolder closed(machine.places.downloads());
+        ASSERT_TRUE(closed.isMounted());
         const fs::path film = machine.places.videos() / "film.mov";
         std::ofstream(film) << "film";
         fs::resize_file(film, 200 << 20);
@@ -208,12 +210,29 @@ TEST(HangingVolume, AnAnalysisSearchesTheOtherFoldersWhileOneDoesNotOpen) {
         files.analyzePersonalFiles();
         serveUntil(machine.loop, [&] { return files.state().progress.filesSeen == 1; });
         EXPECT_EQ(files.state().progress.folder, machine.places.downloads());
+        work(machine, closed);
+        ASSERT_EQ(files.state().storageOptimizationSuggestions.size(), 1U);
+        EXPECT_EQ(files.state().storageOptimizationSuggestions[0].path, film);
+    });
+}
+
+TEST(HangingVolume, AnAnalysisSearchesTheOtherFoldersWhileOneDoesNotOpen) {
+    onAnalysisWithClosedFolder([](HangingMachine& machine, HangingFolder&) {
+        PersonalFiles& files = machine.disk.files;
         EXPECT_EQ(files.stopAnalysis(), Outcome::asked());
         serveUntil(machine.loop, [&] { return !files.state().storageAnalyzerBusy; });
         EXPECT_EQ(files.state().storageAnalyzerStatus,
                   "Analysis stopped. It had found 1 large personal file.");
-        ASSERT_EQ(files.state().storageOptimizationSuggestions.size(), 1U);
-        EXPECT_EQ(files.state().storageOptimizationSuggestions[0].path, film);
+    });
+}
+
+TEST(HangingVolume, AnAnalysisEndsWhenAFolderThatDidNotOpenFails) {
+    onAnalysisWithClosedFolder([](HangingMachine& machine, HangingFolder& closed) {
+        closed.answer();
+        PersonalFiles& files = machine.disk.files;
+        serveUntil(machine.loop, [&] { return !files.state().storageAnalyzerBusy; });
+        EXPECT_EQ(files.state().storageAnalyzerStatus,
+                  "Found 1 large personal files. Review each recommendation before acting.");
     });
 }
 

@@ -32,7 +32,8 @@ std::int64_t LargestFiles::leastBytes() const {
 void LargestFiles::add(FoundFile file, const FileIdentity& folder) {
     Kept added{std::move(file), folder};
     const auto isSame = [&](const Kept& each) {
-        return each.folder == folder && nameOf(each.file) == nameOf(added.file);
+        return each.file.identity == added.file.identity && each.folder == folder &&
+               nameOf(each.file) == nameOf(added.file);
     };
     if (count_ == 0 || added.file.bytes < minimumBytes_ ||
         (heap_.size() == count_ && !comesFirst(added, heap_.front())) ||

@@ -19,8 +19,8 @@ public:
     /// The size that a file must have to be kept. Grows.
     std::int64_t leastBytes() const;
 
-    /// `folder` is the one that the file lies in. What is there already under the same name in the
-    /// same folder is not added again.
+    /// `folder` is the one that the file lies in. A file that is there already under the same
+    /// name in the same folder is not added again.
     void add(FoundFile file, const FileIdentity& folder);
 
     /// Largest first.

@@ -216,6 +216,36 @@ TEST_F(LargestFilesSearchTest, ARootThatOpensLateIsReadThenAndNothingTwice) {
     }
 }
 
+TEST_F(LargestFilesSearchTest, AThreadThatWaitsForALateRootEndsAtAStop) {
+    static std::atomic<int> ended = 0;
+    struct Thread {
+        ~Thread() {
+            ++ended;
+            ended.notify_all();
+        }
+    };
+    tree.file("late/a");
+    tree.file("open/b");
+    LateRoot::path = tree / "late";
+    LateRoot::isOnRotationalDisk = false;
+    PosixLargestFilesSearch searchWithLateRoot([] { static thread_local const Thread thread; },
+                                               LateRoot::isRotational);
+    const std::lock_guard closed(LateRoot::closed);
+    std::stop_source stop;
+    searchWithLateRoot.find(
+        {{tree / "late", tree / "open"}, 1, 30},
+        [&](const SearchProgress& now) {
+            if (now.filesSeen == 1) {
+                stop.request_stop();
+            }
+        },
+        stop.get_token());
+    // That of the open root and the one that reads. Until they have ended, this waits.
+    for (int now = ended; now < 2; now = ended) {
+        ended.wait(now);
+    }
+}
+
 TEST_F(LargestFilesSearchTest, OneThreadReadsARotationalDisk) {
     LateRoot::threads = 0;
     PosixLargestFilesSearch rotational(LateRoot::countThread,

@@ -62,7 +62,8 @@ TEST(LargestFiles, HaveAFileOnceThatIsReachedInTwoWays) {
     largest.add({"/link/a", 40}, home);
     largest.add({"/link/b", 30}, home);
     largest.add({"/other/a", 30}, {1, 2});
-    EXPECT_THAT(pathsOf(largest), ElementsAre("/home/a", "/link/b", "/other/a"));
+    largest.add({"/alike/a", 20, {}, {1, 3}}, home);
+    EXPECT_THAT(pathsOf(largest), ElementsAre("/home/a", "/link/b", "/other/a", "/alike/a"));
 }
 
 TEST(LargestFiles, CanBeNone) {
